@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "agent/prefixes.h"
+
+namespace agent {
+
+std::string checkMDMProfileCommand(std::string_view oem, const Credentials &administrator);
+
+/// Whether the listing of installed profiles names the edition's bundle identifier, also as the
+/// beginning of a longer one. An unknown `oem` takes the first edition's identifier. Every failure,
+/// a wrong password among them, counts as no. Blocks until the command has ended.
+bool checkMDMProfile(std::string_view oem, const Credentials &administrator);
+
+}  // namespace agent

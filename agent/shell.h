@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace agent {
+
+inline constexpr const char *kBash = "/bin/bash";
+inline constexpr const char *kSh = "/bin/sh";
+
+/// What is connected, whether the call waits, and which field of the result is filled. Standard
+/// input is always the program's own.
+enum class ShellMode {
+  Capture,     ///< both output streams in one pipe, waits; fills `text`
+  Status,      ///< output goes where the program's goes, waits; fills `status`
+  WaitOnly,    ///< output goes where the program's goes, waits; fills nothing
+  LaunchOnly,  ///< output goes where the program's goes, does not wait; fills nothing
+};
+
+struct ShellResult {
+  /// UTF-8, as written by the command, trailing line end kept.
+  std::string text;
+  /// 0 is success. The number of the signal when one ended the shell, 127 when the shell could not
+  /// be started.
+  std::int32_t status = 0;
+};
+
+/// Runs `shell -c command`, the command as one argument without any escaping. The only place that
+/// starts a process. The child gets default signal handling and only the three standard streams.
+///
+/// Capture waits for the exit first and reads afterwards, so a command that writes more than the
+/// pipe holds never ends; the commands run this way print a line or nothing. Output that is not
+/// UTF-8 stops the program. A shell that cannot be started is reported to the error log.
+ShellResult runShellCommand(const std::string &shell, const std::string &command, ShellMode mode);
+
+}  // namespace agent

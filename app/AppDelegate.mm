@@ -1,0 +1,95 @@
+#import "app/AppDelegate.h"
+
+#include "app/app_statics.h"
+#include "app/local_admin.h"
+#include "app/outlet.h"
+#include "app/text.h"
+#include "i18n/catalogue.h"
+#include "i18n/window_texts.h"
+#import "settings/ServerWindowController.h"
+#include "settings/server_data.h"
+
+static ServerWindowController *theServerWindow = nil;
+
+@implementation AppDelegate
+
++ (ServerWindowController *)serverWindow {
+  return theServerWindow;
+}
+
+- (void)dealloc {
+  [window release];
+  [super dealloc];
+}
+
+- (void)setWindow:(NSWindow *)newWindow {
+  [newWindow retain];
+  [window release];
+  window = newWindow;
+}
+
+- (void)awakeFromNib {
+  // Before the window shows, which is when its interface file has been loaded.
+  [window center];
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification *)notification {
+  [self emptyMainMenu];
+  [OUTLET(window) setTitle:app::nsString(app::appStatics().appName)];
+  [self translate];
+  [OUTLET(OkButton) setKeyEquivalent:@"\r"];
+  if (@available(macOS 10.10, *)) [OkButton setHighlighted:YES];
+  [NSApp activateIgnoringOtherApps:YES];
+}
+
+- (void)applicationWillTerminate:(NSNotification *)notification {
+}
+
+- (void)emptyMainMenu {
+  for (NSInteger count = [OUTLET(MainMenu) numberOfItems]; count > 0; --count) {
+    [MainMenu removeItemAtIndex:[MainMenu numberOfItems] - 1];
+  }
+}
+
+- (IBAction)OkAction:(id)sender {
+  app::AppStatics &statics = app::appStatics();
+  statics.user = app::utf8([OUTLET(username) stringValue]);
+  statics.pwd = app::utf8([OUTLET(password) stringValue]);
+  if (app::authenticateLocalAdminUser(statics.user, statics.pwd)) {
+    [self showServerWindow];
+    return;
+  }
+  [username setStringValue:@""];
+  [password setStringValue:@""];
+  [username becomeFirstResponder];
+}
+
+- (void)showServerWindow {
+  // Hidden, not closed: the controls stay.
+  [OUTLET(window) setIsVisible:NO];
+  if (theServerWindow == nil) theServerWindow = [[ServerWindowController alloc] init];
+  [[theServerWindow window] setIsVisible:YES];
+  [theServerWindow showWindow:nil];
+  [theServerWindow translate];
+}
+
+- (IBAction)CancelAction:(id)sender {
+  [NSApp terminate:self];
+}
+
+- (void)translate {
+  i18n::Language &lang = app::appStatics().lang;
+  const std::optional<settings::ServerData> stored = settings::getServerData();
+  lang = i18n::languageOfCode(stored ? stored->language : "").value_or(i18n::Language::En);
+
+  const std::optional<i18n::JsonData> catalogue = i18n::getLanguageLabel();
+  if (!catalogue) return;
+  const auto &texts = i18n::infoOf(*catalogue, lang).Common;
+  [OUTLET(admin_msg) setStringValue:app::nsString(texts.adminmsg)];
+  [OUTLET(username_label) setStringValue:app::nsString(texts.username)];
+  [OUTLET(password_label) setStringValue:app::nsString(texts.password)];
+  [OUTLET(OkButton) setTitle:app::nsString(texts.ok)];
+  [OUTLET(QuitButton) setTitle:app::nsString(texts.quit)];
+}
+
+@end

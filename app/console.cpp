@@ -1,0 +1,24 @@
+#include "app/console.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace app {
+
+void printLine(std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fputc('\n', stdout);
+  std::fflush(stdout);
+}
+
+void StderrOutputStream::write(const std::string &text) const { std::fputs(text.c_str(), stderr); }
+
+void fatalError(std::string_view what) {
+  // abort() does not flush, and the last remarks tell how the program came here.
+  std::fflush(stdout);
+  const StderrOutputStream stream;
+  stream.write("fatal error: " + std::string(what) + "\n");
+  std::abort();
+}
+
+}  // namespace app

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "app/console.h"
+
+namespace app {
+
+/// The control itself. Stops the process when the outlet is not connected: a message to nil would
+/// do nothing, and a control that is silently left out is worse than no program.
+template <class Control>
+Control *requiredOutlet(Control *control, const char *name) {
+  if (control == nil) fatalError(std::string("outlet ") + name + " is not connected");
+  return control;
+}
+
+}  // namespace app
+
+/// Fetches an outlet of the current object by the name of its instance variable.
+#define OUTLET(name) ::app::requiredOutlet(name, #name)

@@ -1,0 +1,56 @@
+#import "settings/ServerWindowController.h"
+
+#include <vector>
+
+#include "app/app_statics.h"
+#include "app/outlet.h"
+#include "app/text.h"
+#include "settings/apply_workflow.h"
+#include "settings/input_check.h"
+
+@implementation ServerWindowController (Apply)
+
+- (IBAction)ApplyAction:(id)sender {
+  app::AppStatics &statics = app::appStatics();
+  // Before any check, so the current language changes even when the input stops Apply.
+  statics.lang = [self getLanguage];
+
+  const std::string serverText = [self trimmedTextOf:OUTLET(servername)];
+  const std::string portText = [self trimmedTextOf:OUTLET(port)];
+  if (![self acceptsServer:serverText port:portText]) return;
+  statics.server = serverText;
+  statics.port = portText;
+
+  settings::applySettings({
+      .oem = statics.oem,
+      .server = statics.server,
+      .port = statics.port,
+      .language = i18n::getLanguageType(statics.lang),
+      .profile = statics.mdm_profile,
+      .reset_settings = [OUTLET(reset_settings) state] == NSControlStateValueOn,
+      .administrator = {.user = statics.user, .pwd = statics.pwd},
+      .consoleUser = settings::consoleUserFromArguments([self programArguments]),
+  });
+  [[self window] setIsVisible:NO];
+  [NSApp terminate:nil];
+}
+
+- (BOOL)acceptsServer:(const std::string &)serverText port:(const std::string &)portText {
+  if (settings::checkPort(portText) == settings::InputVerdict::ResetPort) {
+    [port setStringValue:defaultPort];
+    return NO;
+  }
+  const settings::InputVerdict verdict = settings::checkServer(serverText, [self isIPAddressMode]);
+  if (verdict == settings::InputVerdict::ClearServer) [servername setStringValue:@""];
+  return verdict == settings::InputVerdict::Accept;
+}
+
+- (std::vector<std::string>)programArguments {
+  std::vector<std::string> arguments;
+  for (NSString *argument in [[NSProcessInfo processInfo] arguments]) {
+    arguments.push_back(app::utf8(argument));
+  }
+  return arguments;
+}
+
+@end

@@ -1,0 +1,83 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <string>
+
+#include "i18n/language.h"
+
+/// The settings window: shows the stored settings and starts the actions on them. Its interface
+/// file is "ServerWindowController". Created once, after the first successful login; lives to the
+/// end of the process. Main thread only; every action blocks until its commands have ended.
+@interface ServerWindowController : NSWindowController {
+  IBOutlet NSTextFieldCell *setting_label;
+  IBOutlet NSTextField *language_label;
+  IBOutlet NSPopUpButton *selectLanguage;
+  IBOutlet NSTextField *server_label;
+  IBOutlet NSPopUpButton *mode;  ///< item 0: the server is an IP address; else a host name
+  IBOutlet NSTextField *servername;
+  IBOutlet NSTextField *port_label;
+  IBOutlet NSTextField *port;
+  IBOutlet NSButton *reset_settings;
+  IBOutlet NSButton *MDM_profile;      ///< shows, is never editable
+  IBOutlet NSPopUpButton *testChoice;  ///< item 1: port test; else ping
+  IBOutlet NSButton *TestButton;
+  IBOutlet NSImageView *testStatus;
+  IBOutlet NSButton *Apply_button;
+  IBOutlet NSButton *Quit_button;
+  NSString *defaultPort;
+}
+
+/// Fills server and port from server.plist and selects its language as the edition of that title
+/// does. Without a record: the default port and nothing else.
+- (void)updateUI:(NSString *)appName;
+
+/// Shows the controls that start hidden.
+- (void)showServer;
+
+/// The language of the selected pop-up item.
+- (i18n::Language)getLanguage;
+
+/// Takes the language from the pop-up and relabels the window; nothing is stored.
+- (IBAction)languageAction:(id)sender;
+
+/// Ends the program without asking.
+- (IBAction)QuitAction:(id)sender;
+
+/// Trims white space and line ends off both ends of the field's text, in place.
+- (std::string)trimmedTextOf:(NSTextField *)field;
+
+/// Whether the server field is to hold an IP address.
+- (BOOL)isIPAddressMode;
+
+@end
+
+@interface ServerWindowController (ConnectionTest)
+
+/// Pings the server or tries its port and shows the outcome in `testStatus`. Bad input is corrected
+/// in its field and runs nothing.
+- (IBAction)TestAction:(id)sender;
+
+@end
+
+@interface ServerWindowController (Apply)
+
+/// Applies the settings and ends the program. Bad input is corrected in its field and changes
+/// nothing.
+- (IBAction)ApplyAction:(id)sender;
+
+@end
+
+@interface ServerWindowController (Translation)
+
+/// Puts the texts of the current language on the controls. Without a catalogue the texts stay.
+- (void)translate;
+
+/// Select the item of a stored language code and make its language the current one, by the rule of
+/// that edition. They relabel nothing.
+- (void)changeLanguageOskel:(NSString *)language;
+- (void)changeLanguageZentavo:(NSString *)language;
+- (void)changeLanguageFennrow:(NSString *)language;
+- (void)changeLanguageTollwick:(NSString *)language;
+
+@end

@@ -1,0 +1,108 @@
+#import "settings/ServerWindowController.h"
+
+#include "agent/mdm_profile.h"
+#include "app/app_statics.h"
+#include "app/edition.h"
+#include "app/outlet.h"
+#include "app/text.h"
+#include "i18n/edition_languages.h"
+#include "settings/address.h"
+#include "settings/server_data.h"
+
+@implementation ServerWindowController
+
+- (id)init {
+  return [self initWithWindowNibName:@"ServerWindowController"];
+}
+
+- (id)initWithWindow:(NSWindow *)window {
+  defaultPort = [app::nsString(settings::kDefaultPort) retain];
+  return [super initWithWindow:window];
+}
+
+- (id)initWithCoder:(NSCoder *)coder {
+  defaultPort = [app::nsString(settings::kDefaultPort) retain];
+  return [super initWithCoder:coder];
+}
+
+- (void)dealloc {
+  [defaultPort release];
+  [super dealloc];
+}
+
+- (void)windowDidLoad {
+  [super windowDidLoad];
+  app::AppStatics &statics = app::appStatics();
+  NSString *title = app::nsString(statics.appName);
+  [[self window] setTitle:title];
+  [[self window] center];
+  if (const app::Edition *edition = app::editionWithTitle(statics.appName)) {
+    [self trimLanguagesTo:*edition];
+    statics.lang = [self getLanguage];
+    [self translate];
+  }
+  [self updateUI:title];
+  [self translate];
+  [OUTLET(Apply_button) setKeyEquivalent:@"\r"];
+  if (@available(macOS 10.10, *)) [Apply_button setHighlighted:YES];
+  [self showServer];
+  statics.mdm_profile =
+      agent::checkMDMProfile(statics.oem, {.user = statics.user, .pwd = statics.pwd});
+  [OUTLET(MDM_profile) setEnabled:NO];
+  [MDM_profile setState:statics.mdm_profile ? NSControlStateValueOn : NSControlStateValueOff];
+}
+
+- (void)trimLanguagesTo:(const app::Edition &)edition {
+  for (const int item : i18n::itemsToRemove(edition)) {
+    [OUTLET(selectLanguage) removeItemAtIndex:item];
+  }
+  [OUTLET(selectLanguage) selectItemAtIndex:edition.loadItem];
+}
+
+- (void)updateUI:(NSString *)appName {
+  const std::optional<settings::ServerData> stored = settings::getServerData();
+  if (!stored) {
+    [OUTLET(port) setStringValue:defaultPort];
+    return;
+  }
+  [OUTLET(servername) setStringValue:app::nsString(stored->server)];
+  [OUTLET(port) setStringValue:app::nsString(stored->port)];
+  if (const app::Edition *edition = app::editionWithTitle(app::utf8(appName))) {
+    const SEL changeLanguage = NSSelectorFromString(app::nsString(edition->changeLanguage));
+    [self performSelector:changeLanguage withObject:app::nsString(stored->language)];
+  }
+}
+
+- (void)showServer {
+  NSView *const hiddenControls[] = {OUTLET(server_label), OUTLET(mode),       OUTLET(servername),
+                                    OUTLET(port),         OUTLET(port_label), OUTLET(testChoice),
+                                    OUTLET(TestButton),   OUTLET(testStatus)};
+  for (NSView *control : hiddenControls) [control setHidden:NO];
+}
+
+- (i18n::Language)getLanguage {
+  return i18n::languageOfItem(app::appStatics().oem,
+                              static_cast<int>([OUTLET(selectLanguage) indexOfSelectedItem]));
+}
+
+- (IBAction)languageAction:(id)sender {
+  app::appStatics().lang = [self getLanguage];
+  [self translate];
+}
+
+- (IBAction)QuitAction:(id)sender {
+  [NSApp terminate:nil];
+}
+
+- (std::string)trimmedTextOf:(NSTextField *)field {
+  NSString *text = [[field stringValue]
+      stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceAndNewlineCharacterSet]];
+  [field setStringValue:text];
+  return app::utf8(text);
+}
+
+- (BOOL)isIPAddressMode {
+  return [OUTLET(mode) indexOfSelectedItem] == 0;
+}
+
+@end

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace settings {
+
+/// Put back wherever a port is missing or invalid.
+inline constexpr std::string_view kDefaultPort = "6000";
+
+/// Whether the whole text is a decimal number from 0 to 65535, one sign allowed: "0", "+80" and
+/// "-0" are ports, on purpose.
+bool isPort(std::string_view text);
+
+/// Whether the system's address converter takes the text, up to its first NUL, as dotted-decimal
+/// IPv4 or as IPv6.
+bool isIPv4(const std::string &text);
+bool isIPv6(const std::string &text);
+
+}  // namespace settings

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace settings {
+
+/// The agent's stored settings. UTF-8 texts.
+struct ServerData {
+  std::string language;  ///< two-letter code, never empty; any code when it comes from the file
+  std::string server;    ///< as an administrator typed it; may be empty
+  std::string port;      ///< decimal number as stored, not range-checked; never empty
+  bool operator==(const ServerData &) const = default;
+};
+
+/// Reads server.plist. A missing or bad file, and each value of a wrong type, gives the default of
+/// that value: the system's language narrowed to English or French, an empty server, port 6000.
+/// Nothing only when the platform reports no local Library folder. Reports and writes nothing.
+std::optional<ServerData> getServerData();
+
+/// The same for the file at `path`.
+ServerData readServerData(const std::string &path);
+
+}  // namespace settings
