@@ -3,10 +3,11 @@
 #   core        plain C++; sees no Objective-C header, so that none can creep in
 #   shell       the one place that starts processes
 #   foundation  what calls Foundation, behind plain C++ headers
-#   directory   what calls OpenDirectory, behind a plain C++ header
+#   local_library, directory
+#               where the local Library folder is and what the local directory says, likewise
 #   windows     the two controllers
 #
-# Tests link the same objects and put a double in place of shell or directory.
+# Tests link the same objects and put doubles in place of shell, local_library or directory.
 
 include(cmake/Editions.cmake)
 
@@ -33,8 +34,8 @@ function(add_platform_library name)
   target_link_libraries(${name} PUBLIC core platform_api PRIVATE project_warnings platform_strict)
 endfunction()
 
-add_platform_library(foundation app/error_log.mm agent/local_library.mm i18n/catalogue.mm
-                     settings/server_data.mm)
+add_platform_library(foundation app/error_log.mm i18n/catalogue.mm settings/server_data.mm)
+add_platform_library(local_library agent/local_library.mm)
 add_platform_library(directory app/local_admin.mm)
 add_platform_library(
   windows
@@ -57,7 +58,8 @@ foreach(oem IN LISTS EDITIONS)
   target_link_libraries(build_edition_${oem} PRIVATE core project_warnings)
 
   add_executable(${oem})
-  target_link_libraries(${oem} PRIVATE program_main windows directory foundation shell core
+  target_link_libraries(${oem} PRIVATE program_main windows directory local_library
+                                       foundation shell core
                                        build_edition_${oem})
   platform_add_bundle(${oem} TITLE "${EDITION_TITLE_${oem}}"
                       IDENTIFIER "${EDITION_IDENTIFIER_${oem}}"

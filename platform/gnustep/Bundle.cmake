@@ -1,0 +1,52 @@
+# platform_add_bundle(<target> TITLE <title> IDENTIFIER <bundle identifier>
+#                     [OUTPUT_DIR <folder>] [RESOURCES <file>...])
+#
+# Makes an executable the program of the application bundle <folder>/<title>.app, where <folder> is
+# ${CMAKE_BINARY_DIR}/apps unless given:
+#
+#   <title>.app/<title>
+#   <title>.app/Resources/Info-gnustep.plist, the RESOURCES, the status images
+#
+# Also links what the executable needs of this platform. Resources are copied again when they
+# change, and only then.
+
+function(platform_add_bundle target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TITLE;IDENTIFIER;OUTPUT_DIR" "RESOURCES")
+  if(NOT arg_TITLE OR NOT arg_IDENTIFIER OR arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "platform_add_bundle(${target}): TITLE and IDENTIFIER are required, "
+                        "unknown: '${arg_UNPARSED_ARGUMENTS}'")
+  endif()
+  if(NOT arg_OUTPUT_DIR)
+    set(arg_OUTPUT_DIR "${CMAKE_BINARY_DIR}/apps")
+  endif()
+
+  set(bundle "${arg_OUTPUT_DIR}/${arg_TITLE}.app")
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_TITLE}"
+                                             RUNTIME_OUTPUT_DIRECTORY "${bundle}")
+  target_link_libraries(${target} PRIVATE platform_api platform_gnustep)
+
+  set(title "${arg_TITLE}")
+  set(identifier "${arg_IDENTIFIER}")
+  set(version "${PROJECT_VERSION}")
+  if(NOT version)
+    set(version "1.0")
+  endif()
+  configure_file("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/Info-gnustep.plist.in" "${bundle}/Resources/Info-gnustep.plist"
+                 @ONLY)
+
+  file(GLOB images CONFIGURE_DEPENDS "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/images/*.png")
+  set(copies "")
+  foreach(resource IN LISTS arg_RESOURCES images)
+    cmake_path(ABSOLUTE_PATH resource NORMALIZE)
+    cmake_path(GET resource FILENAME name)
+    set(copy "${bundle}/Resources/${name}")
+    add_custom_command(OUTPUT "${copy}" DEPENDS "${resource}"
+                       COMMAND "${CMAKE_COMMAND}" -E copy "${resource}" "${copy}"
+                       COMMENT "Copying ${name} to ${title}.app" VERBATIM)
+    list(APPEND copies "${copy}")
+  endforeach()
+  if(copies)
+    add_custom_target(${target}_resources ALL DEPENDS ${copies})
+    add_dependencies(${target} ${target}_resources)
+  endif()
+endfunction()

@@ -1,0 +1,186 @@
+#include "PropertyListGuard.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+
+namespace platform {
+namespace {
+
+constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;
+/// Follows the containers of a binary list. Objects can be shared, so that a few bytes may describe
+/// a tree without end; the number of steps is limited instead of the number of objects.
+class BinaryWalk {
+ public:
+  explicit BinaryWalk(std::string_view bytes) : bytes_(bytes) {}
+
+  bool isHarmless() {
+    constexpr std::size_t kTrailer = 32;
+    if (bytes_.size() < kTrailer) return false;
+    const std::size_t trailer = bytes_.size() - kTrailer;
+    offsetSize_ = number(trailer + 6, 1);
+    referenceSize_ = number(trailer + 7, 1);
+    objectCount_ = number(trailer + 8, 8);
+    offsetTable_ = number(trailer + 24, 8);
+    return isIntegerSize(offsetSize_) && isIntegerSize(referenceSize_) &&
+           fits(offsetTable_, objectCount_, offsetSize_) && visit(number(trailer + 16, 8), 0);
+  }
+
+ private:
+  static bool isIntegerSize(std::uint64_t size) { return size >= 1 && size <= 8; }
+
+  bool fits(std::uint64_t start, std::uint64_t count, std::uint64_t size) const {
+    return start <= bytes_.size() && count <= (bytes_.size() - start) / size;
+  }
+
+  std::uint64_t number(std::uint64_t at, std::uint64_t size) const {
+    std::uint64_t value = 0;
+    for (std::uint64_t i = 0; i < size; ++i) {
+      value = value << 8 | static_cast<std::uint8_t>(bytes_[at + i]);
+    }
+    return value;
+  }
+
+  bool visit(std::uint64_t object, int depth) {
+    constexpr int kMaxSteps = 100000;
+    constexpr int kMaxDepth = 512;
+    if (object >= objectCount_ || depth > kMaxDepth || ++steps_ > kMaxSteps) return false;
+    std::uint64_t at = number(offsetTable_ + object * offsetSize_, offsetSize_);
+    if (!fits(at, 1, 1)) return false;
+    const std::uint64_t marker = number(at++, 1);
+    const std::uint64_t type = marker >> 4;
+    if (type < 4) return true;  // numbers and dates have no length of their own
+
+    std::uint64_t count = marker & 0xF;
+    if (count == 0xF && !readCount(at, count)) return false;
+    const bool isContainer = type >= 0xA;
+    const std::uint64_t itemSize = isContainer ? referenceSize_ * (type == 0xD ? 2 : 1)
+                                   : type == 6 ? 2
+                                               : 1;
+    if (!fits(at, count, itemSize)) return false;
+    if (!isContainer) return true;
+    for (const std::uint64_t end = at + count * itemSize; at < end; at += referenceSize_) {
+      if (!visit(number(at, referenceSize_), depth + 1)) return false;
+    }
+    return true;
+  }
+
+  /// Reads the integer object that holds a count beyond 14.
+  bool readCount(std::uint64_t &at, std::uint64_t &count) const {
+    if (!fits(at, 1, 1)) return false;
+    const std::uint64_t marker = number(at++, 1);
+    const std::uint64_t size = std::uint64_t{1} << (marker & 0xF);
+    if (marker >> 4 != 1 || !isIntegerSize(size) || !fits(at, 1, size)) return false;
+    count = number(at, size);
+    at += size;
+    return true;
+  }
+
+  std::string_view bytes_;
+  std::uint64_t offsetSize_ = 0;
+  std::uint64_t referenceSize_ = 0;
+  std::uint64_t objectCount_ = 0;
+  std::uint64_t offsetTable_ = 0;
+  int steps_ = 0;
+};
+
+bool isUTF8(std::string_view bytes) {
+  std::size_t i = 0;
+  while (i < bytes.size()) {
+    const auto lead = static_cast<std::uint8_t>(bytes[i++]);
+    const int following = lead < 0x80   ? 0
+                          : lead < 0xC2 ? -1
+                          : lead < 0xE0 ? 1
+                          : lead < 0xF0 ? 2
+                          : lead < 0xF5 ? 3
+                                        : -1;
+    if (following < 0) return false;
+    std::uint32_t point = following == 0 ? lead : lead & (0x3F >> following);
+    for (int k = 0; k < following; ++k, ++i) {
+      if (i == bytes.size() || (bytes[i] & 0xC0) != 0x80) return false;
+      point = point << 6 | (bytes[i] & 0x3F);
+    }
+    const bool isOverlong =
+        (following == 2 && point < 0x800) || (following == 3 && point < 0x10000);
+    const bool isSurrogate = point >= 0xD800 && point <= 0xDFFF;
+    if (isOverlong || isSurrogate || point > 0x10FFFF) return false;
+  }
+  return true;
+}
+
+/// Whether there are no more of some opening marks than levels that the parser survives. Counting
+/// marks instead of levels cannot be outwitted by what comments and texts hide.
+bool hasFewOf(std::string_view marks, std::ptrdiff_t limit, std::string_view bytes) {
+  const auto isMark = [marks](char byte) { return marks.find(byte) != std::string_view::npos; };
+  return std::count_if(bytes.begin(), bytes.end(), isMark) <= limit;
+}
+
+bool isHarmlessXML(std::string_view bytes) { return hasFewOf("<", 50000, bytes); }
+
+bool isHarmlessText(std::string_view bytes) { return hasFewOf("{(", 5000, bytes); }
+
+/// An open file descriptor.
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+  ~Descriptor() {
+    if (fd_ >= 0) close(fd_);
+  }
+  int get() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+}  // namespace
+
+std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
+  if (bytes.starts_with("bplist00")) {
+    if (!BinaryWalk(bytes).isHarmless()) return std::nullopt;
+    return PropertyListForm::kBinary;
+  }
+  // GNUstep writes a line to standard error for each text that is no UTF-8.
+  if (!isUTF8(bytes)) return std::nullopt;
+  // NUL and 1 start GNUstep's own serialised forms, which can claim any amount of memory.
+  if (bytes.find('\0') != std::string_view::npos || bytes.starts_with('\1')) return std::nullopt;
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
+  const std::size_t start = bytes.find_first_not_of(" \t\r\n");
+  if (start == std::string_view::npos) return std::nullopt;
+  bytes.remove_prefix(start);
+  for (const std::string_view tag : {"<?xml", "<!DOCTYPE", "<!--", "<plist"}) {
+    if (!bytes.starts_with(tag)) continue;
+    if (!isHarmlessXML(bytes)) return std::nullopt;
+    return PropertyListForm::kXML;
+  }
+  if (!isHarmlessText(bytes)) return std::nullopt;
+  return PropertyListForm::kText;
+}
+
+std::optional<std::string> readPropertyListFile(const char *path) noexcept {
+  // Without O_NONBLOCK a named pipe would be waited for.
+  const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status;
+  if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return std::nullopt;
+  }
+  std::string contents(kMaxFileSize + 1, '\0');
+  std::size_t length = 0;
+  while (length < contents.size()) {
+    const ssize_t count = read(file.get(), contents.data() + length, contents.size() - length);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return std::nullopt;
+    if (count == 0) break;
+    length += static_cast<std::size_t>(count);
+  }
+  if (length > kMaxFileSize) return std::nullopt;
+  contents.resize(length);
+  return contents;
+}
+
+}  // namespace platform

@@ -1,0 +1,199 @@
+#include "settings/apply_workflow.h"
+
+#include <gtest/gtest.h>
+
+#include "agent/config_files.h"
+#include "doubles/recording_shell.h"
+#include "doubles/scratch_folder.h"
+#include "doubles/scratch_library.h"
+
+namespace {
+
+using doubles::RecordedCommand;
+using doubles::recordingShell;
+using doubles::ScratchFolder;
+using Lines = std::vector<std::string>;
+
+#define ROOT "/bin/echo \"s3cret\" | /usr/bin/sudo -u \"bob\" -S /usr/bin/sudo -S "
+#define USER "/bin/launchctl asuser 501 /usr/bin/sudo -u \"alice\" "
+
+const std::string kLookUpUser =
+    "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser";
+const std::string kLookUpUID = "loggedInUID=$(id -u \"alice\"); echo $loggedInUID";
+const std::string kCheckAgent = USER "/bin/launchctl list com.quorvix.SystemAgentUX  &> /dev/null";
+const std::string kStopAgent =
+    USER "/bin/launchctl unload -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist";
+const std::string kStartAgent =
+    USER "/bin/launchctl load -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist";
+const std::string kCheckDaemon =
+    ROOT "/bin/launchctl list com.quorvix.SystemAgentDaemon &> /dev/null";
+const std::string kStopDaemon =
+    ROOT "/bin/launchctl unload -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
+const std::string kStartDaemon =
+    ROOT "/bin/launchctl load -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
+const std::string kFolder = "/Applications/Zentavo/ZentavoVardex/SystemAgent/";
+const std::string kDelete = ROOT "/bin/rm  " + kFolder + "settings/";
+const std::string kGenerate = "echo -n > " + kFolder + "settings/daemon.settings.xml; " + kFolder +
+                              "SystemAgentDaemon daemon exit";
+
+/// Answers as launchd would for two jobs that can be told to refuse.
+class Apply : public testing::Test {
+ protected:
+  void SetUp() override {
+    doubles::resetShell();
+    doubles::setServerPlistPath(path_);
+    recordingShell().answer = [this](const RecordedCommand &command) { return answer(command); };
+  }
+  void TearDown() override {
+    doubles::resetShell();
+    doubles::setServerPlistPath(std::nullopt);
+  }
+
+  agent::ShellResult answer(const RecordedCommand &command) {
+    const std::string &line = command.command;
+    fileAtCommand_.push_back(std::filesystem::exists(path_));
+    if (line == kLookUpUser) return {.text = "alice\n", .status = 0};
+    if (line == kLookUpUID) return {.text = "501\n", .status = 0};
+    if (line == kCheckAgent) return {.text = {}, .status = agentLoaded_ ? 0 : 113};
+    if (line == kCheckDaemon) return {.text = {}, .status = daemonLoaded_ ? 0 : 113};
+    if (stopsFail_ && (line == kStopAgent || line == kStopDaemon)) return {.text = {}, .status = 1};
+    if (startsFail_ && (line == kStartAgent || line == kStartDaemon)) {
+      return {.text = {}, .status = 1};
+    }
+    if (line == kStopAgent) agentLoaded_ = false;
+    if (line == kStartAgent) agentLoaded_ = true;
+    if (line == kStopDaemon) daemonLoaded_ = false;
+    if (line == kStartDaemon) daemonLoaded_ = true;
+    return {};
+  }
+
+  Lines apply() {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    settings::applySettings(request_);
+    printed_ = testing::internal::GetCapturedStdout();
+    errors_ = testing::internal::GetCapturedStderr();
+    return recordingShell().commandLines();
+  }
+
+  settings::ApplyRequest request_{.oem = "Zentavo",
+                                  .server = "192.0.2.10",
+                                  .port = "6000",
+                                  .language = "fr",
+                                  .profile = false,
+                                  .reset_settings = false,
+                                  .administrator = {.user = "bob", .pwd = "s3cret"},
+                                  .consoleUser = agent::ConsoleUser{.user = "alice", .uid = "501"}};
+  bool agentLoaded_ = true;
+  bool daemonLoaded_ = true;
+  bool stopsFail_ = false;
+  bool startsFail_ = false;
+  std::vector<bool> fileAtCommand_;
+  std::string printed_;
+  std::string errors_;
+  ScratchFolder folder_;
+  std::string path_ = folder_.file("server.plist");
+};
+
+TEST_F(Apply, StopsTheAgentFirstAndStartsItLast) {
+  EXPECT_EQ(apply(), (Lines{kCheckAgent, kStopAgent, kCheckDaemon, kStopDaemon, kCheckDaemon,
+                            kStartDaemon, kCheckAgent, kStartAgent}));
+  EXPECT_EQ(printed_,
+            "USER=alice uid=501\n"
+            "Global Agent stop successfully.\n"
+            "Global Daemon stops successfully.\n"
+            "Global Daemon starts successfully.\n"
+            "Global Agent starts successfully.\n");
+  EXPECT_EQ(errors_, "");
+}
+
+TEST_F(Apply, WritesTheFileBetweenTheStopsAndTheStarts) {
+  apply();
+  EXPECT_EQ(fileAtCommand_,
+            (std::vector<bool>{false, false, false, false, true, true, true, true}));
+  EXPECT_EQ(ScratchFolder::read(path_),
+            agent::serverPlistText({.server = "192.0.2.10", .port = "6000", .lang = "fr"}));
+}
+
+TEST_F(Apply, LooksUpTheConsoleUserWhenNoneIsGiven) {
+  request_.consoleUser.reset();
+  EXPECT_EQ(apply(), (Lines{kLookUpUser, kLookUpUID, kCheckAgent, kStopAgent, kCheckDaemon,
+                            kStopDaemon, kCheckDaemon, kStartDaemon, kCheckAgent, kStartAgent}));
+  EXPECT_TRUE(printed_.starts_with("USER=alice uid=501\n")) << printed_;
+}
+
+TEST_F(Apply, RemovesEveryLineEndFromWhatTheLookupsPrint) {
+  request_.consoleUser.reset();
+  recordingShell().answer = [](const RecordedCommand &command) -> agent::ShellResult {
+    if (command.command == kLookUpUser) return {.text = "\nal\nice\n\n", .status = 0};
+    if (command.command == kLookUpUID) return {.text = "5\n01\n\n", .status = 0};
+    return {};
+  };
+  apply();
+  EXPECT_TRUE(printed_.starts_with("USER=alice uid=501\n")) << printed_;
+}
+
+TEST_F(Apply, TakesAGivenConsoleUserAsItIs) {
+  request_.consoleUser = agent::ConsoleUser{.user = " x\n", .uid = "abc"};
+  const Lines lines = apply();
+  ASSERT_FALSE(lines.empty());
+  EXPECT_EQ(lines.front(),
+            "/bin/launchctl asuser abc /usr/bin/sudo -u \" x\n\" /bin/launchctl list "
+            "com.quorvix.SystemAgentUX  &> /dev/null");
+  EXPECT_TRUE(printed_.starts_with("USER= x\n uid=abc\n")) << printed_;
+}
+
+TEST_F(Apply, StopsNothingThatIsNotLoadedAndStartsBoth) {
+  agentLoaded_ = daemonLoaded_ = false;
+  EXPECT_EQ(apply(), (Lines{kCheckAgent, kCheckDaemon, kCheckDaemon, kStartDaemon, kCheckAgent,
+                            kStartAgent}));
+  EXPECT_EQ(fileAtCommand_, (std::vector<bool>{false, false, true, true, true, true}));
+}
+
+TEST_F(Apply, ResetsTheSettingsAfterTheFileAndBeforeTheStarts) {
+  request_.reset_settings = true;
+  EXPECT_EQ(apply(),
+            (Lines{kCheckAgent, kStopAgent, kCheckDaemon, kStopDaemon,
+                   kDelete + "safeguarding_server.xml", kDelete + "tkprotocolserver.settings.xml",
+                   kDelete + "safeguarding_cloud.xml", kGenerate, kCheckDaemon, kStartDaemon,
+                   kCheckAgent, kStartAgent}));
+  EXPECT_FALSE(fileAtCommand_[3]);
+  EXPECT_TRUE(fileAtCommand_[4]);
+}
+
+TEST_F(Apply, DoesNotStartAJobThatRefusedToStop) {
+  stopsFail_ = true;
+  EXPECT_EQ(apply(),
+            (Lines{kCheckAgent, kStopAgent, kCheckDaemon, kStopDaemon, kCheckDaemon, kCheckAgent}));
+  EXPECT_EQ(printed_,
+            "USER=alice uid=501\nGlobal Agent failed to stop.\nGlobal Daemon failed to stop.\n");
+  EXPECT_TRUE(std::filesystem::exists(path_));
+}
+
+TEST_F(Apply, GoesOnWhenStartsFail) {
+  startsFail_ = true;
+  EXPECT_EQ(apply().size(), 8U);
+  EXPECT_TRUE(printed_.ends_with("Global Daemon failed to start.\nGlobal Agent failed to start.\n"))
+      << printed_;
+}
+
+TEST_F(Apply, GoesOnWhenTheFileCannotBeWritten) {
+  doubles::setServerPlistPath(folder_.file("missing/server.plist"));
+  EXPECT_EQ(apply().size(), 8U);
+  EXPECT_NE(errors_.find("unable to write in "), std::string::npos) << errors_;
+  EXPECT_TRUE(printed_.ends_with("Global Agent starts successfully.\n")) << printed_;
+}
+
+TEST(ConsoleUserArguments, AreTakenOnlyWhenThereAreExactlyTwo) {
+  using settings::consoleUserFromArguments;
+  EXPECT_FALSE(consoleUserFromArguments({}));
+  EXPECT_FALSE(consoleUserFromArguments({"program"}));
+  EXPECT_FALSE(consoleUserFromArguments({"program", "alice"}));
+  EXPECT_FALSE(consoleUserFromArguments({"program", "alice", "501", "more"}));
+  const auto user = consoleUserFromArguments({"program", " alice", ""});
+  ASSERT_TRUE(user);
+  EXPECT_EQ(user->user, " alice");
+  EXPECT_EQ(user->uid, "");
+}
+
+}  // namespace

@@ -1,0 +1,205 @@
+#include "i18n/catalogue.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "doubles/scratch_folder.h"
+
+namespace {
+
+using i18n::DecodedCatalogue;
+using i18n::JsonData;
+using Json = nlohmann::ordered_json;
+
+const std::vector<std::string> kLanguages{"En", "Fr", "Es", "It", "Ge"};
+const std::map<std::string, std::vector<std::string>> kGroups{
+    {"Common", {"quit",           "select",   "cancel",   "apply",   "restart", "refresh",
+                "terminate",      "ok",       "back",     "reset",   "reject",  "accept",
+                "_import",        "export",   "port",     "server",  "test",    "settings",
+                "reset_settings", "username", "password", "adminmsg"}},
+    {"Language", {"lang", "english", "french", "spanish", "italian", "german"}},
+    {"About", {"about", "agent", "version"}},
+};
+
+/// Every value is its own path, so that swapped fields show.
+Json completeCatalogue() {
+  Json catalogue;
+  for (const std::string &language : kLanguages) {
+    for (const auto &[group, keys] : kGroups) {
+      for (const std::string &key : keys) {
+        catalogue[language][group][key] = language + "." + group + "." + key;
+      }
+    }
+  }
+  return catalogue;
+}
+
+std::string errorOf(const Json &catalogue) {
+  const DecodedCatalogue decoded = i18n::decodeCatalogue(catalogue.dump());
+  EXPECT_FALSE(decoded.catalogue);
+  return decoded.error;
+}
+
+TEST(Catalogue, PutsEveryTextIntoItsOwnField) {
+  const DecodedCatalogue decoded = i18n::decodeCatalogue(completeCatalogue().dump());
+  ASSERT_TRUE(decoded.catalogue) << decoded.error;
+  const std::pair<std::string, const JsonData::Info &> entries[] = {{"En", decoded.catalogue->En},
+                                                                    {"Fr", decoded.catalogue->Fr},
+                                                                    {"Es", decoded.catalogue->Es},
+                                                                    {"It", decoded.catalogue->It},
+                                                                    {"Ge", decoded.catalogue->Ge}};
+  for (const auto &[name, info] : entries) {
+    const std::string common = name + ".Common.";
+    EXPECT_EQ(info.Common.quit, common + "quit");
+    EXPECT_EQ(info.Common.select, common + "select");
+    EXPECT_EQ(info.Common.cancel, common + "cancel");
+    EXPECT_EQ(info.Common.apply, common + "apply");
+    EXPECT_EQ(info.Common.restart, common + "restart");
+    EXPECT_EQ(info.Common.refresh, common + "refresh");
+    EXPECT_EQ(info.Common.terminate, common + "terminate");
+    EXPECT_EQ(info.Common.ok, common + "ok");
+    EXPECT_EQ(info.Common.back, common + "back");
+    EXPECT_EQ(info.Common.reset, common + "reset");
+    EXPECT_EQ(info.Common.reject, common + "reject");
+    EXPECT_EQ(info.Common.accept, common + "accept");
+    EXPECT_EQ(info.Common._import, common + "_import");
+    EXPECT_EQ(info.Common.export_, common + "export");
+    EXPECT_EQ(info.Common.port, common + "port");
+    EXPECT_EQ(info.Common.server, common + "server");
+    EXPECT_EQ(info.Common.test, common + "test");
+    EXPECT_EQ(info.Common.settings, common + "settings");
+    EXPECT_EQ(info.Common.reset_settings, common + "reset_settings");
+    EXPECT_EQ(info.Common.username, common + "username");
+    EXPECT_EQ(info.Common.password, common + "password");
+    EXPECT_EQ(info.Common.adminmsg, common + "adminmsg");
+    EXPECT_EQ(info.Language.lang, name + ".Language.lang");
+    EXPECT_EQ(info.Language.english, name + ".Language.english");
+    EXPECT_EQ(info.Language.french, name + ".Language.french");
+    EXPECT_EQ(info.Language.spanish, name + ".Language.spanish");
+    EXPECT_EQ(info.Language.italian, name + ".Language.italian");
+    EXPECT_EQ(info.Language.german, name + ".Language.german");
+    EXPECT_EQ(info.About.about, name + ".About.about");
+    EXPECT_EQ(info.About.agent, name + ".About.agent");
+    EXPECT_EQ(info.About.version, name + ".About.version");
+  }
+}
+
+TEST(Catalogue, IsRejectedWholeForAnyMissingText) {
+  for (const std::string &language : kLanguages) {
+    for (const auto &[group, keys] : kGroups) {
+      for (const std::string &key : keys) {
+        Json catalogue = completeCatalogue();
+        catalogue[language][group].erase(key);
+        EXPECT_EQ(errorOf(catalogue), language + "." + group + "." + key + ": missing");
+      }
+    }
+  }
+}
+
+TEST(Catalogue, IsRejectedForAMissingGroupOrLanguage) {
+  for (const std::string &language : kLanguages) {
+    Json catalogue = completeCatalogue();
+    catalogue.erase(language);
+    EXPECT_EQ(errorOf(catalogue), language + ": missing");
+    for (const auto &[group, keys] : kGroups) {
+      catalogue = completeCatalogue();
+      catalogue[language].erase(group);
+      EXPECT_EQ(errorOf(catalogue), language + "." + group + ": missing");
+    }
+  }
+}
+
+TEST(Catalogue, IsRejectedForAValueThatIsNoString) {
+  const std::pair<Json, const char *> values[] = {{nullptr, "null"},
+                                                  {1, "a number"},
+                                                  {1.5, "a number"},
+                                                  {true, "a boolean"},
+                                                  {false, "a boolean"},
+                                                  {Json::array(), "an array"},
+                                                  {Json::object(), "an object"}};
+  for (const auto &[value, kind] : values) {
+    Json catalogue = completeCatalogue();
+    catalogue["En"]["About"]["version"] = value;
+    EXPECT_EQ(errorOf(catalogue),
+              std::string("En.About.version: expected a string, found ") + kind);
+  }
+}
+
+TEST(Catalogue, IsRejectedForAGroupThatIsNoObject) {
+  Json catalogue = completeCatalogue();
+  catalogue["It"]["Common"] = "text";
+  EXPECT_EQ(errorOf(catalogue), "It.Common: expected an object, found a string");
+  catalogue = completeCatalogue();
+  catalogue["Ge"] = nullptr;
+  EXPECT_EQ(errorOf(catalogue), "Ge: expected an object, found null");
+  EXPECT_EQ(errorOf(Json::array()), "expected an object, found an array");
+}
+
+TEST(Catalogue, WantsTheUnderscoreOfImport) {
+  Json catalogue = completeCatalogue();
+  for (const std::string &language : kLanguages) {
+    Json &common = catalogue[language]["Common"];
+    common["import"] = common["_import"];
+    common.erase("_import");
+  }
+  EXPECT_EQ(errorOf(catalogue), "En.Common._import: missing");
+}
+
+TEST(Catalogue, IgnoresUnknownKeysAndTheirOrder) {
+  Json catalogue = completeCatalogue();
+  catalogue["Pt"] = 5;
+  catalogue["En"]["Common"]["extra"] = nullptr;
+  catalogue["En"]["Extra"] = Json::array();
+  EXPECT_TRUE(i18n::decodeCatalogue(catalogue.dump()).catalogue);
+  EXPECT_TRUE(i18n::decodeCatalogue(nlohmann::json(completeCatalogue()).dump()).catalogue);
+}
+
+TEST(Catalogue, TakesEmptyAndNonLatinTexts) {
+  Json catalogue = completeCatalogue();
+  catalogue["En"]["Common"]["quit"] = "";
+  catalogue["Ge"]["Common"]["quit"] = "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x98\x80\"\\\n";
+  const DecodedCatalogue decoded = i18n::decodeCatalogue(catalogue.dump());
+  ASSERT_TRUE(decoded.catalogue) << decoded.error;
+  EXPECT_EQ(decoded.catalogue->En.Common.quit, "");
+  EXPECT_EQ(decoded.catalogue->Ge.Common.quit, "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x98\x80\"\\\n");
+}
+
+TEST(Catalogue, ThatIsNoJSONIsRejectedWithThePlace) {
+  const DecodedCatalogue decoded = i18n::decodeCatalogue("{\n  \"En\": {,}\n}");
+  EXPECT_FALSE(decoded.catalogue);
+  EXPECT_NE(decoded.error.find("line 2"), std::string::npos) << decoded.error;
+  for (const char *text : {"", "{", "null", "\"text\"", "5", "\xFF", "{\"En\":\"\\ud800\"}"}) {
+    const DecodedCatalogue bad = i18n::decodeCatalogue(text);
+    EXPECT_FALSE(bad.catalogue) << text;
+    EXPECT_NE(bad.error, "") << text;
+  }
+}
+
+TEST(Catalogue, CutOffAnywhereIsRejected) {
+  const std::string text = completeCatalogue().dump();
+  for (std::size_t length = 0; length < text.size(); length += 37) {
+    EXPECT_FALSE(i18n::decodeCatalogue(text.substr(0, length)).catalogue) << length;
+  }
+}
+
+TEST(ShippedCatalogue, IsCompleteInEveryLanguageWithoutEmptyTextsColonsOrOuterBlanks) {
+  const std::string text = doubles::ScratchFolder::read(RESOURCES "/translate.json");
+  const DecodedCatalogue decoded = i18n::decodeCatalogue(text);
+  ASSERT_TRUE(decoded.catalogue) << decoded.error;
+  for (const auto &[language, groups] : nlohmann::json::parse(text).items()) {
+    for (const auto &[group, keys] : groups.items()) {
+      for (const auto &[key, value] : keys.items()) {
+        const auto shown = value.get<std::string>();
+        const std::string place = language + "." + group + "." + key + ": " + shown;
+        ASSERT_FALSE(shown.empty()) << place;
+        EXPECT_EQ(shown.find(':'), std::string::npos) << place;
+        EXPECT_EQ(shown.find("  "), std::string::npos) << place;
+        EXPECT_NE(shown.front(), ' ') << place;
+        EXPECT_NE(shown.back(), ' ') << place;
+      }
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,178 @@
+#include "settings/server_data.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "doubles/scratch_folder.h"
+#include "doubles/scratch_library.h"
+#include "settings/system_language.h"
+
+namespace {
+
+using doubles::ScratchFolder;
+using settings::readServerData;
+using settings::ServerData;
+
+class StoredSettings : public testing::Test {
+ protected:
+  ServerData readDictionary(const std::string &members) const {
+    return read("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>" +
+                members + "</dict></plist>");
+  }
+  ServerData read(const std::string &content) const {
+    return readServerData(folder_.write("server.plist", content));
+  }
+  /// What a file that says nothing gives; its language is that of the system.
+  static ServerData defaults() {
+    const ServerData data = readServerData("/nowhere/server.plist");
+    EXPECT_TRUE(data.language == "en" || data.language == "fr") << data.language;
+    return {.language = data.language, .server = "", .port = "6000"};
+  }
+
+  ScratchFolder folder_;
+};
+
+TEST_F(StoredSettings, AreTakenFromTheFile) {
+  EXPECT_EQ(readDictionary("<key>language</key><string>de</string><key>server</key>"
+                           "<string>2001:db8::1</string><key>port</key><integer>4000</integer>"
+                           "<key>profile</key><true/>"),
+            (ServerData{.language = "de", .server = "2001:db8::1", .port = "4000"}));
+}
+
+TEST_F(StoredSettings, KeepAnyCodeOfTheFile) {
+  for (const char *code : {"en", "fr", "es", "it", "de", "xx", "EN", "de-CH", " "}) {
+    EXPECT_EQ(
+        readDictionary(std::string("<key>language</key><string>") + code + "</string>").language,
+        code);
+  }
+}
+
+TEST_F(StoredSettings, FallBackOneKeyAtATime) {
+  const ServerData expected{.language = defaults().language, .server = "mdm", .port = "6000"};
+  EXPECT_EQ(readDictionary("<key>language</key><integer>1</integer><key>server</key>"
+                           "<string>mdm</string><key>port</key><string>4000</string>"),
+            expected);
+  EXPECT_EQ(readDictionary("<key>language</key><string></string><key>server</key>"
+                           "<string>mdm</string>"),
+            expected);
+  EXPECT_EQ(readDictionary("<key>port</key><integer>4000</integer>"),
+            (ServerData{.language = defaults().language, .server = "", .port = "4000"}));
+  EXPECT_EQ(readDictionary("<key>server</key><array/>").server, "");
+  EXPECT_EQ(readDictionary("<key>server</key><true/>").server, "");
+  EXPECT_EQ(readDictionary("<key>server</key><string></string>").server, "");
+}
+
+TEST_F(StoredSettings, TakeOnlyAPropertyListIntegerAsPort) {
+  struct {
+    const char *value, *expected;
+  } const cases[] = {
+      {"<integer>4000</integer>", "4000"},
+      {"<integer>0</integer>", "0"},
+      {"<integer>-7</integer>", "-7"},
+      {"<integer>70000</integer>", "70000"},
+      {"<integer>5000000000</integer>", "5000000000"},
+      {"<integer>9223372036854775807</integer>", "9223372036854775807"},
+      {"<string>4000</string>", "6000"},
+      {"<real>4000</real>", "6000"},
+      {"<real>4000.5</real>", "6000"},
+      {"<true/>", "6000"},
+      {"<false/>", "6000"},
+      {"<array><integer>4000</integer></array>", "6000"},
+      {"<data>NDAwMA==</data>", "6000"},
+      {"<date>2024-03-05T14:07:09Z</date>", "6000"},
+  };
+  for (const auto &[value, expected] : cases) {
+    EXPECT_EQ(readDictionary(std::string("<key>port</key>") + value).port, expected) << value;
+  }
+}
+
+TEST_F(StoredSettings, AreDefaultsForEveryFileThatIsNoDictionary) {
+  const std::string good =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+      "<key>server</key><string>mdm</string></dict></plist>";
+  ASSERT_EQ(read(good).server, "mdm");
+  const std::string bad[] = {
+      "",
+      " ",
+      "garbage",
+      "<?xml version=\"1.0\"?>",
+      "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>",
+      "<?xml version=\"1.0\"?><plist version=\"1.0\"><string>x</string></plist>",
+      std::string("\0\0\0", 3),
+      "bplist00",
+      "bplist00\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"
+      "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF",
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>server</key>"
+      "<string>\xFF\xFE\xFF</string></dict></plist>",
+      std::string(200'000, '('),
+      std::string(200'000, '<'),
+  };
+  for (const std::string &content : bad) {
+    EXPECT_EQ(read(content), defaults()) << content.substr(0, 60);
+  }
+  for (std::size_t length = 0; length < good.size() - std::string("</plist>").size(); ++length) {
+    const ServerData data = read(good.substr(0, length));
+    EXPECT_EQ(data.port, "6000");
+    EXPECT_TRUE(data.server.empty() || data.server == "mdm") << length << ": " << data.server;
+  }
+}
+
+TEST_F(StoredSettings, AreDefaultsForAMissingFileAndAFolder) {
+  EXPECT_EQ(readServerData(folder_.file("missing")), defaults());
+  EXPECT_EQ(readServerData(folder_.path().string()), defaults());
+  EXPECT_EQ(readServerData(""), defaults());
+}
+
+TEST_F(StoredSettings, OfAHugeFileDoNotCrash) {
+  const ServerData data =
+      readDictionary("<key>server</key><string>" + std::string(20'000'000, 'x') + "</string>");
+  EXPECT_EQ(data.port, "6000");
+}
+
+TEST_F(StoredSettings, AreReadWithoutAnyWord) {
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  read("garbage");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(ScratchFolder::read(folder_.file("server.plist")), "garbage");
+}
+
+TEST_F(StoredSettings, AreARecordWithoutAFileAndNoneWithoutALibraryFolder) {
+  doubles::setServerPlistPath(folder_.file("missing"));
+  EXPECT_EQ(settings::getServerData(), defaults());
+  doubles::setServerPlistPath(std::nullopt);
+  EXPECT_EQ(settings::getServerData(), std::nullopt);
+}
+
+TEST(SystemLanguage, IsNarrowedToEnglishAndFrench) {
+  struct {
+    std::vector<std::string> preferred;
+    std::optional<std::string> locale;
+    const char *expected;
+  } const cases[] = {
+      {{"fr-FR", "en"}, "de", "fr"},
+      {{"en"}, "fr", "en"},
+      {{"fr"}, {}, "fr"},
+      {{"de-DE", "fr"}, "fr", "en"},
+      {{"es-ES"}, {}, "en"},
+      {{"it"}, {}, "en"},
+      {{"FR"}, {}, "en"},
+      {{"f"}, {}, "en"},
+      {{""}, "fr", "en"},
+      {{"fro"}, {}, "fr"},
+      {{}, "fr", "fr"},
+      {{}, "en", "en"},
+      {{}, "de", "en"},
+      {{}, "fr_FR", "en"},
+      {{}, {}, "en"},
+      {{"\xC3\xA9n"}, {}, "en"},
+  };
+  for (const auto &c : cases) {
+    EXPECT_EQ(settings::systemLanguage(c.preferred, c.locale), c.expected)
+        << (c.preferred.empty() ? "(none)" : c.preferred.front()) << " / "
+        << c.locale.value_or("(none)");
+  }
+}
+
+}  // namespace

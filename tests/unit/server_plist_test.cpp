@@ -1,0 +1,104 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <regex>
+
+#include "agent/config_files.h"
+#include "doubles/scratch_folder.h"
+#include "doubles/scratch_library.h"
+#include "settings/server_data.h"
+
+namespace {
+
+using agent::ServerPlist;
+using doubles::ScratchFolder;
+
+std::string expectedText(const std::string &lang, const std::string &server,
+                         const std::string &port, const std::string &profile) {
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+         "    <!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+         "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+         "    <plist version=\"1.0\">\n"
+         "    <dict>\n"
+         "        <key>language</key>\n"
+         "        <string>" +
+         lang +
+         "</string>\n"
+         "        <key>server</key>\n"
+         "        <string>" +
+         server +
+         "</string>\n"
+         "        <key>port</key>\n"
+         "        <integer>" +
+         port +
+         "</integer>\n"
+         "        <key>profile</key>\n"
+         "        <" +
+         profile +
+         "/>\n"
+         "    </dict>\n"
+         "    </plist>";
+}
+
+TEST(ServerPlistText, IsTheSameByteForByteWithTheProfileOnAndOff) {
+  EXPECT_EQ(agent::serverPlistText(
+                {.server = "192.0.2.10", .port = "6000", .lang = "de", .profile = false}),
+            expectedText("de", "192.0.2.10", "6000", "false"));
+  EXPECT_EQ(agent::serverPlistText({.server = "mdm", .port = "+80", .lang = "en", .profile = true}),
+            expectedText("en", "mdm", "+80", "true"));
+}
+
+TEST(ServerPlistText, TakesValuesAsTheyAre) {
+  EXPECT_EQ(agent::serverPlistText({.server = "a&b<c>\"'", .port = "", .lang = ""}),
+            expectedText("", "a&b<c>\"'", "", "false"));
+}
+
+class ServerPlistFile : public testing::Test {
+ protected:
+  void SetUp() override { doubles::setServerPlistPath(path_); }
+  void TearDown() override { doubles::setServerPlistPath(std::nullopt); }
+
+  std::string generateAndReturnErrors(const ServerPlist &values) const {
+    testing::internal::CaptureStderr();
+    agent::generateServerPlistFile(values);
+    return testing::internal::GetCapturedStderr();
+  }
+
+  const ServerPlist values_{.server = "192.0.2.10", .port = "4000", .lang = "fr", .profile = true};
+  ScratchFolder folder_;
+  std::string path_ = folder_.file("server.plist");
+};
+
+TEST_F(ServerPlistFile, HoldsTheTextAndReadsBack) {
+  EXPECT_EQ(generateAndReturnErrors(values_), "");
+  EXPECT_EQ(ScratchFolder::read(path_), expectedText("fr", "192.0.2.10", "4000", "true"));
+  EXPECT_EQ(settings::getServerData(),
+            (settings::ServerData{.language = "fr", .server = "192.0.2.10", .port = "4000"}));
+}
+
+TEST_F(ServerPlistFile, WithXMLSpecialsIsNoPropertyListAndReadsAsDefaults) {
+  EXPECT_EQ(generateAndReturnErrors({.server = "a&b<c", .port = "4000", .lang = "de"}), "");
+  EXPECT_EQ(ScratchFolder::read(path_), expectedText("de", "a&b<c", "4000", "false"));
+  const auto data = settings::getServerData();
+  EXPECT_EQ(data->server, "");
+  EXPECT_EQ(data->port, "6000");
+}
+
+TEST_F(ServerPlistFile, IsReportedWithPathAndCauseWhenItCannotBeWritten) {
+  const std::string missing = folder_.file("missing/server.plist");
+  doubles::setServerPlistPath(missing);
+  const std::string line = generateAndReturnErrors(values_);
+  const std::regex time("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} ");
+  std::smatch match;
+  ASSERT_TRUE(std::regex_search(line, match, time, std::regex_constants::match_continuous)) << line;
+  EXPECT_EQ(match.suffix(),
+            "unable to write in " + missing + " with error No such file or directory\n");
+}
+
+TEST_F(ServerPlistFile, IsNotWrittenAndNothingSaidWithoutALibraryFolder) {
+  doubles::setServerPlistPath(std::nullopt);
+  EXPECT_EQ(generateAndReturnErrors(values_), "");
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.path()));
+}
+
+}  // namespace

@@ -1,0 +1,218 @@
+#import "window/window_test.h"
+
+#include "app/edition.h"
+#include "app/text.h"
+#include "doubles/recording_shell.h"
+#include "doubles/scripted_directory.h"
+
+namespace windowtest {
+namespace {
+
+constexpr const char *kOutlets[] = {"window",   "admin_msg",  "username_label",
+                                    "username", "password",   "password_label",
+                                    "OkButton", "QuitButton", "MainMenu"};
+
+class LoginWindow : public WindowTest {
+ protected:
+  static void acceptOnly(const std::string &user, const std::string &pwd) {
+    doubles::scriptedDirectory().authenticate = [=](const std::string &name,
+                                                    const std::string &password) {
+      return name == user && password == pwd;
+    };
+  }
+  static std::string texts(AppDelegate *delegate) {
+    return textOf(delegate, "admin_msg") + " | " + textOf(delegate, "username_label") + " | " +
+           textOf(delegate, "password_label") + " | " + titleOf(delegate, "OkButton") + " | " +
+           titleOf(delegate, "QuitButton");
+  }
+  static std::string catalogueTexts(const std::string &entry) {
+    return word(entry, "Common", "adminmsg") + " | " + word(entry, "Common", "username") + " | " +
+           word(entry, "Common", "password") + " | " + word(entry, "Common", "ok") + " | " +
+           word(entry, "Common", "quit");
+  }
+};
+
+TEST_F(LoginWindow, ConnectsEveryOutletOfItsInterfaceFile) {
+  AppDelegate *delegate = loadLogin();
+  for (const char *name : kOutlets) {
+    EXPECT_TRUE([delegate valueForKey:[NSString stringWithUTF8String:name]] != nil) << name;
+  }
+  EXPECT_TRUE(
+      [outlet<NSSecureTextField>(delegate, "password") isKindOfClass:[NSSecureTextField class]]);
+}
+
+TEST_F(LoginWindow, IsOnScreenAtLaunchUnderTheTitleOfItsEdition) {
+  for (const app::Edition &edition : app::kEditions) {
+    becomeEdition(std::string(edition.oem));
+    AppDelegate *delegate = launch();
+    NSWindow *window = outlet<NSWindow>(delegate, "window");
+    EXPECT_EQ(app::utf8([window title]), edition.appName);
+    EXPECT_TRUE([window isVisible]);
+    [window orderOut:nil];
+  }
+}
+
+TEST_F(LoginWindow, HasAnEmptyMainMenuAfterLaunch) {
+  AppDelegate *delegate = loadLogin();
+  EXPECT_GT([outlet<NSMenu>(delegate, "MainMenu") numberOfItems], 0);
+  [delegate applicationDidFinishLaunching:nil];
+  EXPECT_EQ([outlet<NSMenu>(delegate, "MainMenu") numberOfItems], 0);
+}
+
+TEST_F(LoginWindow, GivesTheOkButtonTheReturnKeyAndTheDefaultLook) {
+  NSButton *ok = outlet<NSButton>(launch(), "OkButton");
+  EXPECT_EQ(app::utf8([ok keyEquivalent]), "\r");
+  EXPECT_TRUE([ok isHighlighted]);
+}
+
+TEST_F(LoginWindow, OpensInTheLanguageThatTheStoredSettingsName) {
+  struct {
+    const char *code;
+    i18n::Language lang;
+    const char *entry;
+  } const rows[] = {
+      {"en", i18n::Language::En, "En"}, {"fr", i18n::Language::Fr, "Fr"},
+      {"it", i18n::Language::It, "It"}, {"de", i18n::Language::Ge, "Ge"},
+      {"es", i18n::Language::Es, "Es"}, {"xx", i18n::Language::En, "En"},
+      {"DE", i18n::Language::En, "En"},
+  };
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.code);
+    store(row.code, "", "6000");
+    AppDelegate *delegate = launch();
+    EXPECT_EQ(app::appStatics().lang, row.lang);
+    EXPECT_EQ(texts(delegate), catalogueTexts(row.entry));
+    [outlet<NSWindow>(delegate, "window") orderOut:nil];
+  }
+}
+
+TEST_F(LoginWindow, TranslatesAnewEachTime) {
+  store("de", "", "6000");
+  AppDelegate *delegate = launch();
+  store("en", "", "6000");
+  [delegate translate];
+  EXPECT_EQ(app::appStatics().lang, i18n::Language::En);
+  EXPECT_EQ(texts(delegate), catalogueTexts("En"));
+}
+
+TEST_F(LoginWindow, KeepsItsLayoutTextsWithoutAUsableCatalogue) {
+  store("de", "", "6000");
+  AppDelegate *delegate = loadLogin();
+  const std::string before = texts(delegate);
+  setCatalogue("{\"En\": {}}");
+  testing::internal::CaptureStderr();
+  [delegate applicationDidFinishLaunching:nil];
+  EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
+      " error to get language: En.Common: missing\n"));
+  EXPECT_EQ(texts(delegate), before);
+  EXPECT_EQ(app::appStatics().lang, i18n::Language::Ge);
+}
+
+TEST_F(LoginWindow, EmptiesBothFieldsSilentlyOnAWrongPassword) {
+  acceptOnly("alice", "right");
+  AppDelegate *delegate = launch();
+  const std::string message = textOf(delegate, "admin_msg");
+  [outlet<NSWindow>(delegate, "window")
+      makeFirstResponder:outlet<NSTextField>(delegate, "password")];
+  type(delegate, "username", " alice ");
+  type(delegate, "password", " wrong ");
+  [delegate OkAction:nil];
+  EXPECT_EQ(textOf(delegate, "username"), "");
+  EXPECT_EQ(textOf(delegate, "password"), "");
+  EXPECT_EQ(textOf(delegate, "admin_msg"), message);
+  EXPECT_TRUE([outlet<NSWindow>(delegate, "window") isVisible]);
+  // The rejected values stay until the next press, as typed.
+  EXPECT_EQ(app::appStatics().user, " alice ");
+  EXPECT_EQ(app::appStatics().pwd, " wrong ");
+  // The field with the keyboard focus has the window's field editor.
+  EXPECT_TRUE([outlet<NSTextField>(delegate, "username") currentEditor] != nil);
+}
+
+TEST_F(LoginWindow, LetsTheDirectoryDecideOnEmptyFields) {
+  std::string asked = "nothing";
+  doubles::scriptedDirectory().authenticate = [&](const std::string &user, const std::string &pwd) {
+    asked = "'" + user + "' '" + pwd + "'";
+    return false;
+  };
+  [launch() OkAction:nil];
+  EXPECT_EQ(asked, "'' ''");
+}
+
+TEST_F(LoginWindow, GivesWayToTheSettingsWindowOnReturnWithTheRightPassword) {
+  acceptOnly("alice", "  p w ");
+  AppDelegate *delegate = launch();
+  NSWindow *window = outlet<NSWindow>(delegate, "window");
+  type(delegate, "username", "alice");
+  type(delegate, "password", "  p w ");
+  pressReturn(window);
+  EXPECT_FALSE([window isVisible]);
+  ServerWindowController *settings = [AppDelegate serverWindow];
+  ASSERT_TRUE(settings != nil);
+  EXPECT_TRUE([[settings window] isVisible]);
+  EXPECT_EQ(app::appStatics().user, "alice");
+  EXPECT_EQ(app::appStatics().pwd, "  p w ");
+  ASSERT_EQ(doubles::recordingShell().commands.size(), 1U);
+
+  // Once more: the same controller, not loaded again.
+  [window makeKeyAndOrderFront:nil];
+  [delegate OkAction:nil];
+  EXPECT_EQ([AppDelegate serverWindow], settings);
+  EXPECT_EQ(doubles::recordingShell().commands.size(), 1U);
+}
+
+TEST_F(LoginWindow, ClosedByItsTitleBarLeavesTheProgramRunning) {
+  AppDelegate *delegate = launch();
+  NSWindow *window = outlet<NSWindow>(delegate, "window");
+  [window performClose:nil];
+  EXPECT_FALSE([window isVisible]);
+  EXPECT_FALSE(
+      [delegate respondsToSelector:@selector(applicationShouldTerminateAfterLastWindowClosed:)]);
+}
+
+using LoginWindowDeathTest = LoginWindow;
+
+TEST_F(LoginWindowDeathTest, EndsTheProgramWithStatus0ByQuit) {
+  EXPECT_EXIT(runAndSend(outlet<NSButton>(launch(), "QuitButton"), @selector(performClick:), nil),
+              testing::ExitedWithCode(0), "");
+}
+
+TEST_F(LoginWindowDeathTest, StopsTheProgramWhereALaunchNeedsAMissingOutlet) {
+  for (const char *name : {"MainMenu", "window", "OkButton", "admin_msg", "username_label",
+                           "password_label", "QuitButton"}) {
+    EXPECT_EXIT(
+        {
+          AppDelegate *delegate = loadLogin();
+          disconnect(delegate, name);
+          [delegate applicationDidFinishLaunching:nil];
+        },
+        testing::KilledBySignal(SIGABRT),
+        std::string("fatal error: outlet ") + name + " is not connected");
+  }
+}
+
+TEST_F(LoginWindowDeathTest, StopsTheProgramWhereALoginNeedsAMissingOutlet) {
+  for (const char *name : {"username", "password", "window"}) {
+    EXPECT_EXIT(
+        {
+          acceptOnly("", "");
+          AppDelegate *delegate = launch();
+          disconnect(delegate, name);
+          [delegate OkAction:nil];
+        },
+        testing::KilledBySignal(SIGABRT),
+        std::string("fatal error: outlet ") + name + " is not connected");
+  }
+}
+
+TEST_F(LoginWindowDeathTest, StopsTheProgramWithoutTheCatalogueResource) {
+  EXPECT_EXIT(
+      {
+        AppDelegate *delegate = loadLogin();
+        removeCatalogue();
+        [delegate translate];
+      },
+      testing::KilledBySignal(SIGABRT), "fatal error: resource translate.json is missing");
+}
+
+}  // namespace
+}  // namespace windowtest

@@ -1,0 +1,143 @@
+#import "window/window_test.h"
+
+#include <nlohmann/json.hpp>
+
+#include "agent/config_files.h"
+#include "app/edition.h"
+#include "app/text.h"
+#include "doubles/recording_shell.h"
+#include "doubles/scratch_library.h"
+#include "doubles/scripted_directory.h"
+
+namespace windowtest {
+namespace {
+
+std::string cataloguePath() {
+  return app::utf8([[NSBundle mainBundle] resourcePath]) + "/translate.json";
+}
+
+}  // namespace
+
+void WindowTest::SetUp() {
+  pool_ = [[NSAutoreleasePool alloc] init];
+  app::appStatics() = {};
+  becomeEdition("Zentavo");
+  doubles::resetShell();
+  doubles::scriptedDirectory() = {};
+  doubles::setServerPlistPath(plist_);
+  setCatalogue(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
+}
+
+void WindowTest::TearDown() {
+  for (NSWindow *window in [[[NSApp windows] copy] autorelease]) [window orderOut:nil];
+  setCatalogue(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
+  [pool_ drain];
+}
+
+void WindowTest::becomeEdition(const std::string &oem) {
+  become(oem, std::string(app::editionWithOem(oem)->appName));
+}
+
+void WindowTest::become(const std::string &oem, const std::string &appName) {
+  app::appStatics().oem = oem;
+  app::appStatics().appName = appName;
+}
+
+void WindowTest::store(const std::string &language, const std::string &server,
+                       const std::string &port) {
+  folder_.write("server.plist",
+                agent::serverPlistText({.server = server, .port = port, .lang = language}));
+}
+
+void WindowTest::storeNothing() { std::filesystem::remove(plist_); }
+
+void WindowTest::setCatalogue(const std::string &json) {
+  std::ofstream(cataloguePath(), std::ios::binary) << json;
+}
+
+void WindowTest::removeCatalogue() { std::filesystem::remove(cataloguePath()); }
+
+AppDelegate *WindowTest::loadLogin() {
+  AppDelegate *delegate = [[AppDelegate alloc] init];
+  [NSApp setDelegate:delegate];
+  NSArray *topLevelObjects = nil;
+  EXPECT_TRUE([[NSBundle mainBundle] loadNibNamed:@"MainMenu"
+                                            owner:delegate
+                                  topLevelObjects:&topLevelObjects]);
+  [topLevelObjects retain];
+  return delegate;
+}
+
+AppDelegate *WindowTest::launch() {
+  AppDelegate *delegate = loadLogin();
+  [delegate applicationDidFinishLaunching:nil];
+  return delegate;
+}
+
+ServerWindowController *WindowTest::openSettings() {
+  ServerWindowController *controller = [[ServerWindowController alloc] init];
+  [controller showWindow:nil];
+  return controller;
+}
+
+void disconnect(id owner, const char *name) {
+  [owner setValue:nil forKey:[NSString stringWithUTF8String:name]];
+}
+
+std::string word(const std::string &entry, const std::string &group, const std::string &key) {
+  static const auto catalogue =
+      nlohmann::json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
+  return catalogue.at(entry).at(group).at(key).get<std::string>();
+}
+
+std::string textOf(id owner, const char *name) {
+  return app::utf8([outlet<NSTextField>(owner, name) stringValue]);
+}
+
+std::string titleOf(id owner, const char *name) {
+  return app::utf8([outlet<NSButton>(owner, name) title]);
+}
+
+std::string itemTitles(id owner, const char *popUp) {
+  return app::utf8(
+      [[outlet<NSPopUpButton>(owner, popUp) itemTitles] componentsJoinedByString:@", "]);
+}
+
+void type(id owner, const char *field, const std::string &text) {
+  [outlet<NSTextField>(owner, field) setStringValue:app::nsString(text)];
+}
+
+NSEvent *returnKey(NSWindow *window) {
+  return [NSEvent keyEventWithType:NSEventTypeKeyDown
+                          location:NSZeroPoint
+                     modifierFlags:0
+                         timestamp:0
+                      windowNumber:[window windowNumber]
+                           context:nil
+                        characters:@"\r"
+       charactersIgnoringModifiers:@"\r"
+                         isARepeat:NO
+                           keyCode:36];
+}
+
+void pressReturn(NSWindow *window) { EXPECT_TRUE([window performKeyEquivalent:returnKey(window)]); }
+
+void runAndSend(id target, SEL message, id argument) {
+  [target performSelector:message withObject:argument afterDelay:0];
+  [NSApp performSelector:@selector(stop:) withObject:nil afterDelay:5];
+  [NSApp run];
+}
+
+}  // namespace windowtest
+
+int main(int argc, char **argv) {
+  NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
+  testing::InitGoogleTest(&argc, argv);
+  // A forked copy would share this process's connection to the screen.
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  [NSApplication sharedApplication];
+  [NSApp finishLaunching];
+  const int result = RUN_ALL_TESTS();
+  [pool drain];
+  return result;
+}
