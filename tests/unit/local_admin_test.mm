@@ -1,0 +1,182 @@
+#import <OpenDirectory/OpenDirectory.h>
+#include <gtest/gtest.h>
+#import <objc/runtime.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/local_admin.h"
+#include "app/text.h"
+#include "doubles/recording_shell.h"
+
+namespace {
+
+/// What the local directory knows, and what it was asked.
+struct Directory {
+  bool reachable = true;
+  bool hasAdminGroup = true;
+  std::map<std::string, std::string> passwords;
+  std::set<std::string> admins;
+  std::vector<std::string> asked;
+};
+
+Directory theDirectory;
+
+}  // namespace
+
+@interface FakeRecord : NSObject {
+ @public
+  std::string *name;
+}
+@end
+
+@implementation FakeRecord
+
+- (void)dealloc {
+  delete name;
+  [super dealloc];
+}
+
+- (BOOL)verifyPassword:(NSString *)password error:(NSError **)error {
+  theDirectory.asked.push_back("verify " + *name);
+  return theDirectory.passwords[*name] == app::utf8(password);
+}
+
+- (BOOL)isMemberRecord:(ODRecord *)record error:(NSError **)error {
+  const std::string &member = *reinterpret_cast<FakeRecord *>(record)->name;
+  theDirectory.asked.push_back("is " + member + " in " + *name);
+  return theDirectory.admins.contains(member);
+}
+
+@end
+
+@interface FakeNode : NSObject
+@end
+
+@implementation FakeNode
+
+- (id)recordWithRecordType:(ODRecordType)type
+                      name:(NSString *)name
+                attributes:(id)attributes
+                     error:(NSError **)error {
+  EXPECT_TRUE(attributes == nil);
+  const bool isGroup = [type isEqual:kODRecordTypeGroups];
+  EXPECT_TRUE(isGroup || [type isEqual:kODRecordTypeUsers]);
+  const std::string text = app::utf8(name);
+  theDirectory.asked.push_back((isGroup ? "group " : "user ") + text);
+  const bool known = isGroup ? theDirectory.hasAdminGroup && text == "admin"
+                             : theDirectory.passwords.contains(text);
+  if (!known) return nil;
+  FakeRecord *record = [[[FakeRecord alloc] init] autorelease];
+  record->name = new std::string(text);
+  return record;
+}
+
+@end
+
+namespace {
+
+id openFakeNode(id, SEL, ODSession *session, ODNodeType type, NSError **) {
+  EXPECT_TRUE(session != nil);
+  EXPECT_EQ(type, 0x2200U);
+  theDirectory.asked.push_back("node");
+  return theDirectory.reachable ? [[[FakeNode alloc] init] autorelease] : nil;
+}
+
+using Asked = std::vector<std::string>;
+
+class LocalAdmin : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    method_setImplementation(
+        class_getClassMethod([ODNode class], @selector(nodeWithSession:type:error:)),
+        reinterpret_cast<IMP>(openFakeNode));
+  }
+  void SetUp() override {
+    doubles::resetShell();
+    theDirectory = {};
+    theDirectory.passwords = {
+        {"alice", "a-pw"}, {"carol", "c-pw"}, {"root", "r-pw"}, {"empty", ""}};
+    theDirectory.admins = {"alice", "root", "empty"};
+  }
+  /// The answer for root while the console look-up prints `output`.
+  static bool rootMayStart(const std::string &output, std::string &printed) {
+    doubles::recordingShell().answer = [&](const doubles::RecordedCommand &) {
+      return agent::ShellResult{.text = output, .status = 0};
+    };
+    testing::internal::CaptureStdout();
+    const bool result = app::checkLocalAdminUser("root");
+    printed = testing::internal::GetCapturedStdout();
+    return result;
+  }
+};
+
+TEST_F(LocalAdmin, MayStartTheProgramAsAMemberOfTheAdminGroup) {
+  EXPECT_TRUE(app::checkLocalAdminUser("alice"));
+  EXPECT_EQ(theDirectory.asked, (Asked{"node", "user alice", "group admin", "is alice in admin"}));
+  EXPECT_TRUE(doubles::recordingShell().commands.empty());
+}
+
+TEST_F(LocalAdmin, MayNotStartItOtherwise) {
+  EXPECT_FALSE(app::checkLocalAdminUser("carol"));
+  EXPECT_FALSE(app::checkLocalAdminUser("nobody"));
+  EXPECT_FALSE(app::checkLocalAdminUser(""));
+  theDirectory.hasAdminGroup = false;
+  EXPECT_FALSE(app::checkLocalAdminUser("alice"));
+  theDirectory.reachable = false;
+  EXPECT_FALSE(app::checkLocalAdminUser("alice"));
+}
+
+TEST_F(LocalAdmin, RootPassesBecauseTheConsoleOwnerIsPrintedWithALineEnd) {
+  std::string printed;
+  EXPECT_TRUE(rootMayStart("root\n", printed));
+  EXPECT_EQ(printed, "");
+  EXPECT_TRUE(rootMayStart("alice\n", printed));
+  EXPECT_EQ(printed, "");
+}
+
+TEST_F(LocalAdmin, RootIsRefusedWhereTheOutputIsExactlyRoot) {
+  std::string printed;
+  EXPECT_FALSE(rootMayStart("root", printed));
+  EXPECT_EQ(printed, "user cannot be root.\n");
+}
+
+TEST_F(LocalAdmin, RootOutsideTheGroupIsRefusedWithoutAskingForTheConsole) {
+  theDirectory.admins.erase("root");
+  EXPECT_FALSE(app::checkLocalAdminUser("root"));
+  EXPECT_TRUE(doubles::recordingShell().commands.empty());
+}
+
+TEST_F(LocalAdmin, LogsInWithTheRightPasswordAsAMember) {
+  EXPECT_TRUE(app::authenticateLocalAdminUser("alice", "a-pw"));
+  EXPECT_EQ(theDirectory.asked,
+            (Asked{"node", "user alice", "verify alice", "group admin", "is alice in admin"}));
+}
+
+TEST_F(LocalAdmin, DoesNotLogInOtherwise) {
+  EXPECT_FALSE(app::authenticateLocalAdminUser("alice", "wrong"));
+  EXPECT_FALSE(app::authenticateLocalAdminUser("alice", " a-pw"));
+  EXPECT_FALSE(app::authenticateLocalAdminUser("alice", ""));
+  EXPECT_FALSE(app::authenticateLocalAdminUser("", ""));
+  EXPECT_FALSE(app::authenticateLocalAdminUser("carol", "c-pw"));
+  theDirectory.asked.clear();
+  EXPECT_FALSE(app::authenticateLocalAdminUser("alice", "wrong"));
+  EXPECT_EQ(theDirectory.asked, (Asked{"node", "user alice", "verify alice"}));
+  theDirectory.hasAdminGroup = false;
+  EXPECT_FALSE(app::authenticateLocalAdminUser("alice", "a-pw"));
+  theDirectory.reachable = false;
+  EXPECT_FALSE(app::authenticateLocalAdminUser("alice", "a-pw"));
+}
+
+TEST_F(LocalAdmin, LogsInWithAnEmptyPasswordOnlyWhereTheDirectoryAcceptsIt) {
+  EXPECT_TRUE(app::authenticateLocalAdminUser("empty", ""));
+}
+
+TEST_F(LocalAdmin, HasNoRootTestAtTheLogin) {
+  EXPECT_TRUE(app::authenticateLocalAdminUser("root", "r-pw"));
+  EXPECT_TRUE(doubles::recordingShell().commands.empty());
+}
+
+}  // namespace
