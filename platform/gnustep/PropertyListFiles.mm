@@ -10,15 +10,15 @@ namespace {
 
 /// The property list in `bytes`; nil when there is none. May raise.
 id propertyList(std::string bytes) {
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);  // byte order mark
   const std::optional<platform::PropertyListForm> form = platform::harmlessForm(bytes);
   if (!form.has_value()) return nil;
-  if (*form == platform::PropertyListForm::kText) {
+  if (*form != platform::PropertyListForm::kBinary) {
+    // The XML parser would write a line to standard error for each text that is no UTF-8.
     NSString *text = [[[NSString alloc] initWithBytes:bytes.data()
                                                length:bytes.size()
                                              encoding:NSUTF8StringEncoding] autorelease];
-    return [text propertyList];
-  }
-  if (*form == platform::PropertyListForm::kXML) {
+    if (text == nil || *form == platform::PropertyListForm::kText) return [text propertyList];
     bytes.erase(0, bytes.find('<'));
     if (!bytes.starts_with("<?xml")) bytes.insert(0, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
   }

@@ -88,30 +88,6 @@ class BinaryWalk {
   int steps_ = 0;
 };
 
-bool isUTF8(std::string_view bytes) {
-  std::size_t i = 0;
-  while (i < bytes.size()) {
-    const auto lead = static_cast<std::uint8_t>(bytes[i++]);
-    const int following = lead < 0x80   ? 0
-                          : lead < 0xC2 ? -1
-                          : lead < 0xE0 ? 1
-                          : lead < 0xF0 ? 2
-                          : lead < 0xF5 ? 3
-                                        : -1;
-    if (following < 0) return false;
-    std::uint32_t point = following == 0 ? lead : lead & (0x3F >> following);
-    for (int k = 0; k < following; ++k, ++i) {
-      if (i == bytes.size() || (bytes[i] & 0xC0) != 0x80) return false;
-      point = point << 6 | (bytes[i] & 0x3F);
-    }
-    const bool isOverlong =
-        (following == 2 && point < 0x800) || (following == 3 && point < 0x10000);
-    const bool isSurrogate = point >= 0xD800 && point <= 0xDFFF;
-    if (isOverlong || isSurrogate || point > 0x10FFFF) return false;
-  }
-  return true;
-}
-
 /// Whether there are no more of some opening marks than levels that the parser survives. Counting
 /// marks instead of levels cannot be outwitted by what comments and texts hide.
 bool hasFewOf(std::string_view marks, std::ptrdiff_t limit, std::string_view bytes) {
@@ -119,7 +95,10 @@ bool hasFewOf(std::string_view marks, std::ptrdiff_t limit, std::string_view byt
   return std::count_if(bytes.begin(), bytes.end(), isMark) <= limit;
 }
 
-bool isHarmlessXML(std::string_view bytes) { return hasFewOf("<", 50000, bytes); }
+bool isHarmlessXML(std::string_view bytes) {
+  // A text cut inside a value lets the parser write to standard error.
+  return bytes[bytes.find_last_not_of(" \t\r\n")] == '>' && hasFewOf("<", 50000, bytes);
+}
 
 bool isHarmlessText(std::string_view bytes) { return hasFewOf("{(", 5000, bytes); }
 
@@ -145,11 +124,8 @@ std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
     if (!BinaryWalk(bytes).isHarmless()) return std::nullopt;
     return PropertyListForm::kBinary;
   }
-  // GNUstep writes a line to standard error for each text that is no UTF-8.
-  if (!isUTF8(bytes)) return std::nullopt;
   // NUL and 1 start GNUstep's own serialised forms, which can claim any amount of memory.
   if (bytes.find('\0') != std::string_view::npos || bytes.starts_with('\1')) return std::nullopt;
-  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
   const std::size_t start = bytes.find_first_not_of(" \t\r\n");
   if (start == std::string_view::npos) return std::nullopt;
   bytes.remove_prefix(start);

@@ -12,7 +12,7 @@ enum class PropertyListForm { kBinary, kXML, kText };
 
 /// The form of the bytes when the parser of that form will neither overrun the stack nor fill the
 /// memory with them, else nothing. The bytes may still turn out not to be a property list. An XML
-/// list is one with or without its `<?xml` declaration.
+/// list is one with or without its `<?xml` declaration. No byte order mark is expected.
 [[nodiscard]] std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept;
 
 /// The contents of a regular file that is small enough to be a property list of settings.

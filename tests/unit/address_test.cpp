@@ -30,6 +30,7 @@ TEST(Port, IsADecimalNumberUpTo65535WithOneOptionalSign) {
       {"+", false},
       {"-", false},
       {"+-1", false},
+      {"+-0", false},
       {"-+1", false},
       {"++1", false},
       {"--0", false},

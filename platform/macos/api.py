@@ -1,0 +1,192 @@
+"""The list of macOS API that the program may use (api.tsv), and what is made from it."""
+
+import re
+from dataclasses import dataclass
+from pathlib import Path
+
+TABLE = Path(__file__).with_name("api.tsv")
+TARGETS = "[ x86_64-macos, arm64-macos ]"
+# The libraries that have a header, and what it imports.
+IMPORTS = {
+    "libobjc": ("objc/objc.h", "objc/NSObjCRuntime.h"),
+    "Foundation": ("objc/NSObject.h",),
+    "AppKit": ("Foundation/Foundation.h",),
+    "OpenDirectory": ("Foundation/Foundation.h",),
+}
+
+
+def version(text):
+    """A macOS version as comparable numbers; "-" counts as the oldest."""
+    return tuple(int(part) for part in text.split(".")) if text != "-" else (0,)
+
+
+def selector(declaration):
+    """The selector that a method declaration names."""
+    text = declaration
+    while re.search(r"\([^()]*\)", text):
+        text = re.sub(r"\([^()]*\)", " ", text)
+    parts = re.findall(r"\w+:", text)
+    return "".join(parts) if parts else re.search(r"\w+", text).group()
+
+
+@dataclass(frozen=True)
+class Row:
+    """One line of the list."""
+
+    library: str
+    introduced: str
+    deprecated: str
+    declaration: str
+    owner: str  # class or protocol of a method, else empty
+
+    @property
+    def kind(self):
+        first = self.declaration.split()[0]
+        if first.startswith(("-", "+")):
+            return "method"
+        if re.fullmatch(r"[\w$]+\*?", self.declaration):
+            return "symbol"
+        return first.lstrip("@")  # interface, protocol, extern, typedef, enum, struct, install-name
+
+    @property
+    def name(self):
+        """The selector, class, protocol or symbol (as C writes it) that the row is about."""
+        if self.kind == "method":
+            return selector(self.declaration)
+        if self.kind in ("interface", "protocol"):
+            return self.declaration.split()[1]
+        if self.kind == "extern":
+            return re.search(r"(\w+)\s*(\([^*].*\))?;$", self.declaration).group(1)
+        return self.declaration
+
+    @property
+    def defines(self):
+        """The names that a row which is no method and no symbol brings into the header."""
+        if self.kind == "typedef":
+            return re.findall(r"\w+(?= =)", self.declaration) + re.findall(r"(\w+);$", self.declaration)
+        return re.findall(r"\w+(?= =)", self.declaration) or [self.name]
+
+    @property
+    def extends(self):
+        """Whether this is a category: no class of its own."""
+        return self.kind == "interface" and ":" not in self.declaration and "(" in self.declaration
+
+
+def read(path=TABLE):
+    """All rows of the list, or of another file of the same form."""
+    rows, owner = [], ""
+    for number, line in enumerate(Path(path).read_text(encoding="utf-8").splitlines(), 1):
+        if not line or line.startswith("#"):
+            continue
+        columns = line.split("\t")
+        if len(columns) != 4:
+            raise SystemExit(f"{path}:{number}: expected 4 columns, found {len(columns)}")
+        row = Row(*columns, owner if columns[3][0] in "-+" else "")
+        if row.kind in ("interface", "protocol"):
+            owner = row.name
+        rows.append(row)
+    return rows
+
+
+def install_names(rows):
+    """Library -> the path under which macOS has it."""
+    return {r.library: r.declaration.split()[1] for r in rows if r.kind == "install-name"}
+
+
+def symbols(rows):
+    """The rows that a linked file may name as undefined symbols, in the linker's spelling."""
+    named = {}
+    for row in rows:
+        if row.kind in ("symbol", "extern"):
+            named["_" + row.name] = row
+        elif row.kind == "interface" and not row.extends:
+            named["_OBJC_CLASS_$_" + row.name] = row
+            named["_OBJC_METACLASS_$_" + row.name] = row
+    return named
+
+
+def availability(row):
+    if row.introduced == "-":
+        return ""
+    deprecated = "" if row.deprecated == "-" else f",deprecated={row.deprecated}"
+    return f"__attribute__((availability(macos,introduced={row.introduced}{deprecated})))"
+
+
+def attributes(row):
+    """What stands before a class: nothing before a category."""
+    root = "" if ":" in row.declaration else "__attribute__((objc_root_class))"
+    return "" if row.extends else f"{root}{availability(row)} "
+
+
+def header(library, rows):
+    """The text of the library's header."""
+    mine = [r for r in rows if r.library == library]
+    classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
+    lines = ["#pragma once", *(f"#import <{name}>" for name in IMPORTS[library])]
+    lines += [f"@class {name};" for name in classes]
+    open_block = False
+    for row in mine:
+        if row.kind in ("symbol", "install-name"):
+            continue
+        if row.kind != "method" and open_block:
+            lines.append("@end")
+            open_block = False
+        if row.kind == "interface":
+            lines.append(attributes(row) + row.declaration)
+            open_block = True
+        elif row.kind == "protocol":
+            lines += [row.declaration, "@optional"]
+            open_block = True
+        elif row.kind == "method":
+            lines.append(f"{row.declaration[:-1]} {availability(row)};")
+        elif row.kind == "extern":
+            declaration = row.declaration[:-1].replace("extern", 'extern "C"', 1)
+            lines.append(f"{declaration} {availability(row)};")
+        else:
+            lines.append(row.declaration)
+    return "\n".join(lines + (["@end"] if open_block else [])) + "\n"
+
+
+def stub(library, rows, wanted=()):
+    """The text of the library's link stub. A row that ends in * stands for what is wanted of it."""
+    mine = [r for r in rows if r.library == library]
+    classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
+    plain = [n for n, r in symbols(mine).items() if not n.startswith("_OBJC_")]
+    names = [n for n in plain if not n.endswith("*")]
+    for prefix in (n[:-1] for n in plain if n.endswith("*")):
+        names += [w for w in wanted if w.startswith(prefix)]
+    quoted = ", ".join(f"'{n}'" for n in sorted(set(names)))
+    lines = ["--- !tapi-tbd", "tbd-version: 4", f"targets: {TARGETS}",
+             f"install-name: '{install_names(rows)[library]}'", "exports:",
+             f"  - targets: {TARGETS}", f"    symbols: [ {quoted} ]"]
+    if classes:
+        lines.append(f"    objc-classes: [ {', '.join(classes)} ]")
+    return "\n".join(lines + ["..."]) + "\n"
+
+
+def place(folder, library, rows):
+    """Where below a folder the library has its stub, as macOS has it below /."""
+    path = folder / install_names(rows)[library].lstrip("/")
+    if library + ".framework" in path.parts:
+        return path.parents[2] / f"{library}.tbd"
+    return path.with_name(f"{library}.tbd")
+
+
+def write_headers(folder, rows):
+    for library in IMPORTS:
+        if library in install_names(rows):
+            framework = place(folder, library, rows).parent / "Headers" / f"{library}.h"
+            file = folder / "usr/include/objc/NSObject.h" if library == "libobjc" else framework
+            write(file, header(library, rows))
+
+
+def write_stubs(folder, rows, wanted=()):
+    for library in install_names(rows):
+        write(place(folder, library, rows), stub(library, rows, wanted))
+
+
+def write(file, text):
+    """Leaves a file alone that has the text already, so that nothing is compiled again."""
+    if not file.exists() or file.read_text(encoding="utf-8") != text:
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(text, encoding="utf-8")

@@ -1,0 +1,133 @@
+"""What a linked macOS file says of itself, read with LLVM's tools and, for the selectors, from its
+sections."""
+
+import re
+import struct
+import subprocess
+from dataclasses import dataclass
+from functools import cached_property
+from pathlib import Path
+
+LLVM = "14"
+
+
+def tool(name, *arguments):
+    """The output of one of LLVM's tools."""
+    command = [f"llvm-{name}-{LLVM}", *map(str, arguments)]
+    return subprocess.run(command, check=True, text=True, errors="replace",
+                          stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout
+
+
+def architectures(path):
+    """The architectures that a universal or plain file holds."""
+    return sorted(tool("lipo", "-archs", path).split())
+
+
+def undefined(paths):
+    """The undefined symbols of object files."""
+    lines = tool("nm", "--undefined-only", "--format=just-symbols", *paths).splitlines()
+    return sorted({line.strip() for line in lines if line.startswith("_")})
+
+
+@dataclass(frozen=True)
+class Undefined:
+    """A symbol that another library must supply."""
+
+    name: str
+    library: str
+    weak: bool
+
+
+@dataclass(frozen=True)
+class Section:
+    address: int
+    size: int
+    offset: int
+
+
+class Slice:
+    """The part of a file for one architecture, as a file of its own."""
+
+    def __init__(self, path, architecture, scratch):
+        self.architecture = architecture
+        self.path = Path(scratch) / f"{Path(path).name}.{architecture}"
+        tool("lipo", path, "-thin", architecture, "-output", self.path)
+        self.data = self.path.read_bytes()
+
+    @cached_property
+    def libraries(self):
+        """Install names of the libraries that the file loads."""
+        text = tool("objdump", "--macho", "--dylibs-used", self.path)
+        return [line.split(" (")[0].strip() for line in text.splitlines()[1:]]
+
+    @cached_property
+    def minimum_system(self):
+        text = tool("objdump", "--macho", "--private-headers", self.path)
+        found = re.search(r"LC_BUILD_VERSION.*?minos ([\d.]+)"
+                          r"|LC_VERSION_MIN_MACOSX.*?version ([\d.]+)", text, re.DOTALL)
+        return (found.group(1) or found.group(2)) if found else "none"
+
+    @cached_property
+    def undefined(self):
+        pattern = re.compile(r"\(undefined\) (weak )?external (\S+)(?: \(from (\S+)\))?")
+        found = pattern.findall(tool("nm", "--undefined-only", "-m", self.path))
+        return [Undefined(name, library, bool(weak)) for weak, name, library in found]
+
+    @cached_property
+    def implemented(self):
+        """(class, selector) of every method of the file's own classes."""
+        pattern = re.compile(r"[-+]\[(\w+)(?:\(\w+\))? ([^\]]+)\]")
+        return set(pattern.findall(tool("nm", "--defined-only", self.path)))
+
+    @cached_property
+    def sections(self):
+        """(segment, section) -> its place, from the load commands."""
+        found = {}
+        count = struct.unpack_from("<I", self.data, 16)[0]
+        at = 32
+        for _ in range(count):
+            command, size = struct.unpack_from("<II", self.data, at)
+            if command == 0x19:  # LC_SEGMENT_64
+                for index in range(struct.unpack_from("<I", self.data, at + 64)[0]):
+                    entry = at + 72 + 80 * index
+                    names = [n.rstrip(b"\0").decode() for n in
+                             struct.unpack_from("16s16s", self.data, entry)]
+                    found[names[1], names[0]] = Section(
+                        *struct.unpack_from("<QQI", self.data, entry + 32))
+            at += size
+        return found
+
+    def offset(self, address):
+        """Where in the file the byte of that address stands; None outside."""
+        for section in self.sections.values():
+            if section.address <= address < section.address + section.size:
+                return section.offset + address - section.address
+        return None
+
+    def pointer(self, address):
+        return struct.unpack_from("<Q", self.data, self.offset(address))[0]
+
+    @cached_property
+    def sent(self):
+        """Every selector that the file sends or otherwise names."""
+        names = set()
+        for (_, name), section in self.sections.items():
+            if name == "__objc_selrefs":
+                for address in range(section.address, section.address + section.size, 8):
+                    start = self.offset(self.pointer(address))
+                    names.add(self.data[start:self.data.index(b"\0", start)].decode())
+        return names
+
+    def edition(self):
+        """The oem value that app::buildEdition() gives: the row of the edition table to which its few
+        instructions add up. None when they have another form than the two compilers' known one."""
+        address = re.search(r"^(\w+) \S (?:\S+ )?__ZN3app9kEditionsE$",
+                            tool("nm", self.path), re.MULTILINE)
+        code = tool("objdump", "-d", "--no-show-raw-insn",
+                    "--disassemble-symbols=__ZN3app12buildEditionEv", self.path)
+        steps = re.findall(r"movl\s+\$(\d+), %eax|add\s+x0, x8, #(\d+)", code)
+        if not address or len(steps) > 1 or "ret" not in code:
+            return None
+        row = int(address.group(1), 16) + int(steps[0][0] or steps[0][1] if steps else 0)
+        start, length = self.offset(self.pointer(row)), self.pointer(row + 8)
+        return self.data[start:start + length].decode() if start else None

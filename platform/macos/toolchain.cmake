@@ -1,0 +1,31 @@
+# Cross-compiles for macOS on another system: the compiler of the Zig toolchain, headers and link stubs
+# made from api.tsv. For checks; what is linked this way has never run.
+#
+#   MAC_ARCHITECTURE  arm64 or x86_64
+#   MAC_API           folder of the headers and stubs
+
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_PROCESSOR "${MAC_ARCHITECTURE}")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES MAC_ARCHITECTURE MAC_API)
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)  # the stubs hold only what the program links
+
+include("${CMAKE_CURRENT_LIST_DIR}/../../cmake/MacMinimum.cmake")
+# Zig takes the deployment target from the target's name alone. No Mac with an Apple processor runs
+# anything older than macOS 11; Apple's compiler raises the target there just so.
+if(MAC_ARCHITECTURE STREQUAL "arm64")
+  set(_target "aarch64-macos.11.0")
+else()
+  set(_target "${MAC_ARCHITECTURE}-macos.${MAC_MINIMUM_SYSTEM}")
+endif()
+
+# Zig turns off the marks that tell in which macOS version a part of the C++ library appeared, since
+# it brings its own library; here the system's is linked, as on a Mac.
+set(_marks _LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS)
+foreach(_language IN ITEMS CXX OBJCXX)
+  set(CMAKE_${_language}_COMPILER "${CMAKE_CURRENT_LIST_DIR}/toolchain/c++")
+  set(CMAKE_${_language}_COMPILER_TARGET "${_target}")
+  set(CMAKE_${_language}_FLAGS_INIT
+      "-U${_marks} -D${_marks}=1 -isystem ${MAC_API}/usr/include -iframework ${MAC_API}/System/Library/Frameworks -Werror=unguarded-availability -Werror=undeclared-selector")
+  set(CMAKE_${_language}_STANDARD_LIBRARIES "${MAC_API}/usr/lib/libobjc.tbd ${MAC_API}/usr/lib/libc++.tbd")
+endforeach()
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ -F${MAC_API}/System/Library/Frameworks")

@@ -1,0 +1,160 @@
+"""The lab's machine as a test sees it: its tables, files, launchd jobs, orders and journal."""
+
+import json
+import os
+import socket
+import subprocess
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Iterable, NamedTuple
+
+REPOSITORY = Path(__file__).resolve().parents[2]
+LAB = REPOSITORY / "lab"
+STATE = Path("/var/lab")
+PREFERENCES = Path("/Library/Preferences/ZentavoAgent")
+SERVER_PLIST = PREFERENCES / "server.plist"
+PID_LIMIT = 32768
+
+
+@dataclass(frozen=True)
+class Account:
+    """One row of lab/accounts."""
+
+    name: str
+    uid: int
+    password: str
+
+
+@dataclass(frozen=True)
+class Edition:
+    """One row of lab/editions."""
+
+    oem: str
+    title: str
+    folder: str
+    profile: str
+
+    @property
+    def program(self) -> Path:
+        return Path("/Applications/Utilities") / f"{self.title}.app" / self.title
+
+    @property
+    def settings(self) -> Path:
+        return Path(self.folder) / "SystemAgent/settings"
+
+
+class Command(NamedTuple):
+    """One journal entry: who ran what."""
+
+    user: str
+    argv: tuple[str, ...]
+
+
+class Job(NamedTuple):
+    """A launchd job in its domain."""
+
+    domain: str
+    label: str
+
+
+DAEMON = Job("system", "com.quorvix.SystemAgentDaemon")
+AGENT = Job("user/501", "com.quorvix.SystemAgentUX")
+
+
+def _rows(table: str) -> list[str]:
+    return [line for line in (LAB / table).read_text().splitlines() if not line.startswith("#")]
+
+
+def _accounts() -> Iterable[Account]:
+    for row in _rows("accounts"):
+        name, uid, _, password = row.split()
+        yield Account(name, int(uid), password)
+
+
+ACCOUNTS = {account.name: account for account in _accounts()}
+EDITIONS = {row.split("|")[0]: Edition(*row.split("|")) for row in _rows("editions")}
+
+
+def _in_order(records: list[dict]) -> list[dict]:
+    """Sorts the stages of each pipeline, which start at the same time, from left to right.
+
+    A shell starts the stages in that order, so their process ids tell. Everything below a stage
+    stays with it.
+    """
+    result: list[dict] = []
+    call: list[tuple[int, dict]] = []
+    stages: dict[int, int] = {}
+    for record in records:
+        pid, parent = record["pid"], record["ppid"]
+        if record["program"] in ("bash", "sh") and pid not in stages and parent not in stages:
+            result += [entry for _, entry in sorted(call, key=lambda item: item[0])]
+            call, stages, shell = [], {pid: 0}, pid
+        elif pid not in stages:
+            stages[pid] = stages.get(parent) or (pid - shell) % PID_LIMIT if stages else 0
+        call.append((stages.get(pid, 0), record))
+    return result + [entry for _, entry in sorted(call, key=lambda item: item[0])]
+
+
+class Machine:
+    """The machine a test runs on. Everything here needs root inside the lab."""
+
+    def reset(self) -> None:
+        """Goes back to the state right after the agent was installed."""
+        subprocess.run([LAB / "install-agent"], check=True)
+
+    def records(self) -> list[dict]:
+        """All journal entries in full, in the order in which they were written."""
+        text = (STATE / "journal").read_text(encoding="utf-8", errors="surrogateescape")
+        return [json.loads(line) for line in text.splitlines()]
+
+    def journal(self) -> list[Command]:
+        """Who ran what, in order; the stages of a pipeline from left to right."""
+        return [Command(r["user"], tuple(r["argv"])) for r in _in_order(self.records())]
+
+    def order(
+        self,
+        program: str,
+        part: str = "",
+        *,
+        times: int | None = None,
+        stderr: int | None = None,
+        delay: float | None = None,
+        exit: int | None = None,
+        signal: int | None = None,
+    ) -> None:
+        """Gives an order for a program's calls that have `part` in their command line (^: its start).
+
+        The actions happen in the order of the arguments; without `exit` or `signal` the call then
+        goes on as usual. `times` limits the order to the first calls.
+        """
+        actions = {"stderr": stderr, "delay": delay, "exit": exit, "signal": signal}
+        words = ",".join(f"{verb}={n}" for verb, n in actions.items() if n is not None)
+        count = "always" if times is None else f"{times:06d}"
+        with (STATE / "orders").open("a") as orders:
+            orders.write(f"{count} {program} {words} {part}\n")
+
+    def load(self, *jobs: Job) -> None:
+        """Makes launchd jobs loaded."""
+        for job in jobs:
+            (STATE / "launchd" / job.domain / job.label).touch()
+
+    def loaded(self) -> set[Job]:
+        """The launchd jobs that are loaded."""
+        base = STATE / "launchd"
+        files = [file for file in base.rglob("*") if file.is_file()]
+        return {Job(str(file.parent.relative_to(base)), file.name) for file in files}
+
+    def install_profiles(self, *identifiers: str) -> None:
+        """Makes configuration profiles installed."""
+        (STATE / "profiles").write_text("".join(f"{name}\n" for name in identifiers))
+
+    def write_server_plist(self, content: str | bytes) -> None:
+        """Puts a server.plist there, as an administrator would own it."""
+        SERVER_PLIST.write_bytes(content.encode() if isinstance(content, str) else content)
+        os.chown(SERVER_PLIST, ACCOUNTS["alice"].uid, -1)
+
+
+def listen(address: str = "127.0.0.1") -> socket.socket:
+    """A listening TCP socket on a free port; close it to end it."""
+    family = socket.AF_INET6 if ":" in address else socket.AF_INET
+    return socket.create_server((address, 0), family=family)

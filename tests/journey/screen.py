@@ -1,0 +1,277 @@
+"""A display of one's own, and the program on it driven by real keyboard and mouse events."""
+
+import ctypes
+import os
+import re
+import subprocess
+from pathlib import Path
+
+from interface import Interface
+from machine import EDITIONS, LAB, Edition
+from waiting import wait_until
+
+WHITE = (255, 255, 255)
+
+
+class Display:
+    """An X server with one screen and no window manager: windows have no frame, keys go to the
+    window under the pointer."""
+
+    def __init__(self, size: str = "1280x900x24"):
+        reading, writing = os.pipe()
+        self._server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-ac", "-noreset"]
+            + ["-nolisten", "tcp"],
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL,
+            pass_fds=[writing],
+        )
+        os.close(writing)
+        with os.fdopen(reading) as announced:
+            number = announced.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.name = f":{number}"
+        self.environment = os.environ | {"DISPLAY": self.name}
+        self._x11 = ctypes.CDLL("libX11.so.6")
+        for function in ("XOpenDisplay", "XGetImage"):
+            getattr(self._x11, function).restype = ctypes.c_void_p
+        for function in ("XGetPixel", "XDefaultRootWindow"):
+            getattr(self._x11, function).restype = ctypes.c_ulong
+        self._connection = ctypes.c_void_p(self._x11.XOpenDisplay(self.name.encode()))
+        self._root = ctypes.c_ulong(self._x11.XDefaultRootWindow(self._connection))
+
+    def close(self) -> None:
+        self._x11.XCloseDisplay(self._connection)
+        self._server.terminate()
+        self._server.wait()
+
+    def xdotool(self, *words: object) -> str:
+        """Runs xdotool and returns what it prints: nothing when it fails, for example because a
+        window is gone."""
+        return subprocess.run(
+            ["xdotool", *map(str, words)],
+            env=self.environment,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.DEVNULL,
+            text=True,
+            check=False,
+            timeout=60,
+        ).stdout
+
+    def geometry(self, window: str) -> tuple[int, int, int, int] | None:
+        """Left, top, width and height of a window, if there is such a window."""
+        text = self.xdotool("getwindowgeometry", "--shell", window)
+        values = dict(line.split("=") for line in text.splitlines())
+        names = ("X", "Y", "WIDTH", "HEIGHT")
+        return tuple(int(values[name]) for name in names) if values else None
+
+    def wait_until(self, condition, what: str, limit: float = 10.0):
+        """Waits, moving the mouse to and fro as a user would.
+
+        GNUstep's X11 backend (0.29) leaves an event that arrives while it talks to the server
+        unread, up to 30 seconds, until the next event comes.
+        """
+
+        def nudge():
+            self.xdotool("mousemove_relative", 1, 0, "mousemove_relative", "--", -1, 0)
+
+        return wait_until(condition, what, limit, nudge)
+
+    def pixel(self, x: int, y: int) -> tuple[int, int, int]:
+        """The colour of a point of the screen: red, green, blue."""
+        all_planes, as_pixels = ctypes.c_ulong(2**64 - 1), 2
+        image = ctypes.c_void_p(
+            self._x11.XGetImage(self._connection, self._root, x, y, 1, 1, all_planes, as_pixels)
+        )
+        value = self._x11.XGetPixel(image, 0, 0)
+        self._x11.XDestroyImage(image)
+        return value >> 16 & 255, value >> 8 & 255, value & 255
+
+    def screenshot(self, file: Path) -> None:
+        """Writes the whole screen to a PNG file."""
+        file.parent.mkdir(parents=True, exist_ok=True)
+        command = ["import", "-window", "root", str(file)]
+        subprocess.run(command, env=self.environment, check=True, timeout=60)
+
+
+class Window:
+    """A visible window of the program. Controls are named by their outlets."""
+
+    def __init__(self, display: Display, number: str, interface: Interface | None):
+        self.number = number
+        self._display = display
+        self._interface = interface
+
+    def wait_until(self, condition, what: str) -> None:
+        """Waits until a condition on this window holds."""
+        self._display.wait_until(condition, what)
+
+    def place(self, outlet: str) -> tuple[int, int]:
+        """The middle of a control on the screen."""
+        left, top, _, _ = self._display.geometry(self.number)
+        x, y = self._interface.box(outlet).middle
+        return left + x, top + y
+
+    def colour(self, outlet: str) -> tuple[int, int, int]:
+        """The colour in the middle of a control."""
+        return self._display.pixel(*self.place(outlet))
+
+    def _region(self, outlet: str, width: int) -> list[tuple[int, int, int]]:
+        """The colours around the middle line of a control's left part."""
+        x, y = self.place(outlet)
+        left = x - round(self._interface.box(outlet).width / 2) + 8
+        return [self._display.pixel(left + i, y + j) for i in range(width) for j in (-2, 0, 2)]
+
+    def is_empty(self, outlet: str) -> bool:
+        """Whether a text field shows no text. (The insertion point stands left of the region.)"""
+        return all(min(colour) > 128 for colour in self._region(outlet, 40))
+
+    def status(self) -> str:
+        """What the status image of the connection test says, by its colour."""
+        colours = self._region("testStatus", 8)
+        if any(green > max(red, blue) + 60 for red, green, blue in colours):
+            return "reachable"
+        if any(red > max(green, blue) + 60 for red, green, blue in colours):
+            return "unreachable"
+        return "unknown"
+
+    def click(self, outlet: str) -> None:
+        self._display.xdotool("mousemove", *self.place(outlet), "click", 1)
+
+    def _menu_is_open(self) -> bool:
+        return bool(self._display.xdotool("search", "--onlyvisible", "--name", "^Window$"))
+
+    def choose(self, outlet: str, steps: int) -> None:
+        """Takes the item of a pop-up that is so many places below (above: negative) the present.
+
+        Each item is as high as the pop-up; the one under the pointer turns white.
+        """
+        display = self._display
+        x, y = self.place(outlet)
+        box = self._interface.box(outlet)
+        x += round(box.width / 4)
+        display.xdotool("mousemove", x, y, "mousedown", 1)
+        display.wait_until(self._menu_is_open, f"menu of {outlet}")
+        display.wait_until(lambda: display.pixel(x, y) == WHITE, f"present item of {outlet}")
+        y += steps * round(box.height)
+        display.xdotool("mousemove", x, y)
+        display.wait_until(lambda: display.pixel(x, y) == WHITE, f"item of {outlet}")
+        display.xdotool("mouseup", 1)
+        display.wait_until(lambda: not self._menu_is_open(), f"end of the menu of {outlet}")
+
+    def fill(self, outlet: str, text: str) -> None:
+        """Replaces the text of a field by typing."""
+        self.click(outlet)
+        self.press("Home", "shift+End", "BackSpace")
+        self.type(text)
+
+    def type(self, text: str) -> None:
+        if text:
+            self._display.xdotool("type", "--delay", 2, "--", text)
+
+    def press(self, *keys: str) -> None:
+        self._display.xdotool("key", "--delay", 2, *keys)
+
+
+class Program:
+    """The program, started by an account of the lab as from its session."""
+
+    def __init__(
+        self,
+        display: Display,
+        folder: Path,
+        edition: str = "Zentavo",
+        user: str = "alice",
+        arguments: tuple[str, ...] = (),
+        language: str = "en_US.UTF-8",
+    ):
+        self.edition: Edition = EDITIONS[edition]
+        self._display = display
+        self._output = folder / "stdout"
+        self._errors = folder / "stderr"
+        with self._output.open("wb") as output, self._errors.open("wb") as errors:
+            self._process = subprocess.Popen(
+                [LAB / "login", user, self.edition.program, *arguments],
+                env=display.environment | {"LANG": language},
+                stdin=subprocess.DEVNULL,
+                stdout=output,
+                stderr=errors,
+                start_new_session=True,
+            )
+
+    @property
+    def pid(self) -> int:
+        return self._process.pid
+
+    @property
+    def output(self) -> str:
+        return self._output.read_text()
+
+    @property
+    def errors(self) -> str:
+        return self._errors.read_text()
+
+    def _windows(self) -> dict[str, tuple[int, int, int, int]]:
+        """Number and geometry of the visible windows with the edition's title."""
+        pattern = f"^{re.escape(self.edition.title)}$"
+        numbers = self._display.xdotool("search", "--onlyvisible", "--name", pattern).split()
+        windows = {number: self._display.geometry(number) for number in numbers}
+        return {number: geometry for number, geometry in windows.items() if geometry}
+
+    def window(self, name: str, field: str, limit: float = 20) -> Window:
+        """Waits for the window of an interface file until its field is drawn."""
+        interface = Interface(name)
+
+        def visible():
+            self._check_running()
+            for number, (_, _, *size) in self._windows().items():
+                if size == [interface.width, interface.height]:
+                    window = Window(self._display, number, interface)
+                    return window if window.colour(field) == WHITE else None
+            return None
+
+        return self._display.wait_until(visible, f"window {name}", limit)
+
+    def login_window(self) -> Window:
+        return self.window("MainMenu", "username")
+
+    def settings_window(self) -> Window:
+        return self.window("ServerWindowController", "servername")
+
+    def log_in(self, user: str = "alice", password: str = "alice-pw") -> Window:
+        """Logs in with the keyboard and returns the settings window."""
+        window = self.login_window()
+        window.click("username")
+        window.type(user)
+        window.press("Tab")
+        window.type(password)
+        window.press("Return")
+        return self.settings_window()
+
+    def wait_for_alert(self) -> None:
+        """Waits for an alert and points at it, so that it gets the keyboard."""
+
+        def visible():
+            self._check_running()
+            return next(iter(self._windows().values()), None)
+
+        left, top, width, height = self._display.wait_until(visible, "alert", 20)
+        self._display.xdotool("mousemove", left + width // 2, top + height // 2)
+
+    def _check_running(self) -> None:
+        if self._process.poll() is not None:
+            raise RuntimeError(f"the program ended with {self._process.returncode}:\n{self.errors}")
+
+    def wait(self, limit: float = 30) -> int:
+        """Waits for the end of the program and returns its exit status."""
+        self._display.wait_until(lambda: self.poll() is not None, "end of the program", limit)
+        return self._process.returncode
+
+    def poll(self) -> int | None:
+        return self._process.poll()
+
+    def kill(self) -> None:
+        self._process.kill()
+        self._process.wait()

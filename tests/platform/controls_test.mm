@@ -1,0 +1,85 @@
+#import <AppKit/AppKit.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+NSEvent *keyDown(NSWindow *window, NSString *characters) {
+  return [NSEvent keyEventWithType:NSEventTypeKeyDown
+                          location:NSZeroPoint
+                     modifierFlags:0
+                         timestamp:0
+                      windowNumber:[window windowNumber]
+                           context:nil
+                        characters:characters
+       charactersIgnoringModifiers:characters
+                         isARepeat:NO
+                           keyCode:0];
+}
+
+NSWindow *windowWith(NSView *view) {
+  NSWindow *window = [[[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 300, 100)
+                                                  styleMask:NSWindowStyleMaskTitled
+                                                    backing:NSBackingStoreBuffered
+                                                      defer:NO] autorelease];
+  [window setReleasedWhenClosed:NO];
+  [[window contentView] addSubview:view];
+  [window makeKeyAndOrderFront:nil];
+  return window;
+}
+
+TEST(TextField, ReportsWhatIsBeingTypedAtOnce) {
+  [[NSApplication sharedApplication] finishLaunching];
+  for (Class fieldClass : {[NSTextField class], [NSSecureTextField class]}) {
+    NSTextField *field =
+        [[[fieldClass alloc] initWithFrame:NSMakeRect(10, 10, 200, 24)] autorelease];
+    [field setStringValue:@"before"];
+    NSWindow *window = windowWith(field);  // its only field, so it is being edited
+    for (NSString *character : {@"a", @" ", @"Z", @"9"}) {
+      [window sendEvent:keyDown(window, character)];
+    }
+    ASSERT_TRUE([field currentEditor] != nil) << "still being edited";
+    EXPECT_STREQ([[field stringValue] UTF8String], "a Z9");
+    [window orderOut:nil];
+  }
+}
+
+TEST(TextField, ShowsAValueThatIsSetWhileItIsBeingEdited) {
+  [[NSApplication sharedApplication] finishLaunching];
+  NSTextField *field =
+      [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 200, 24)] autorelease];
+  NSWindow *window = windowWith(field);
+  [window sendEvent:keyDown(window, @"x")];
+  [field setStringValue:@"6000"];
+  EXPECT_STREQ([[field stringValue] UTF8String], "6000");
+  [window makeFirstResponder:nil];
+  EXPECT_STREQ([[field stringValue] UTF8String], "6000");
+  [window orderOut:nil];
+}
+
+TEST(Button, CanBeHighlighted) {
+  [NSApplication sharedApplication];
+  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 80, 24)] autorelease];
+  EXPECT_FALSE([button isHighlighted]);
+  [button setHighlighted:YES];
+  EXPECT_TRUE([button isHighlighted]);
+  EXPECT_TRUE([[button cell] isHighlighted]);
+}
+
+TEST(StatusImages, AreThreeDifferentOnes) {
+  [NSApplication sharedApplication];
+  NSImage *none = [NSImage imageNamed:NSImageNameStatusNone];
+  NSImage *available = [NSImage imageNamed:NSImageNameStatusAvailable];
+  NSImage *unavailable = [NSImage imageNamed:NSImageNameStatusUnavailable];
+  NSData *data[] = {
+      [none TIFFRepresentation], [available TIFFRepresentation], [unavailable TIFFRepresentation]};
+  for (NSImage *image : {none, available, unavailable}) {
+    ASSERT_TRUE(image != nil);
+    EXPECT_TRUE(NSEqualSizes([image size], NSMakeSize(16, 16)));
+  }
+  EXPECT_FALSE([data[0] isEqual:data[1]]);
+  EXPECT_FALSE([data[0] isEqual:data[2]]);
+  EXPECT_FALSE([data[1] isEqual:data[2]]);
+}
+
+}  // namespace

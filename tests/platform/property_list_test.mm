@@ -1,0 +1,266 @@
+#import <Foundation/Foundation.h>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace {
+
+const std::string kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const std::string kDoctype = "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                             "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n";
+const std::string kBody =
+    "<plist version=\"1.0\">\n<dict>\n<key>language</key>\n<string>fr</string>\n"
+    "<key>port</key>\n<integer>4000</integer>\n<key>profile</key>\n<true/>\n"
+    "<key>server</key>\n<string>b\xC3\xBC"
+    "cher.example</string>\n</dict>\n</plist>\n";
+
+/// A folder of its own for each test, gone with it.
+class PropertyListFile : public testing::Test {
+ protected:
+  PropertyListFile() { EXPECT_NE(mkdtemp(folder_), nullptr); }
+  ~PropertyListFile() override {
+    chmod(path().c_str(), 0700);
+    unlink(path().c_str());
+    rmdir(path().c_str());
+    rmdir(folder_);
+  }
+
+  std::string path() const { return std::string(folder_) + "/server.plist"; }
+
+  NSDictionary *read() const {
+    return [[[NSDictionary alloc]
+        initWithContentsOfFile:[NSString stringWithUTF8String:path().c_str()]] autorelease];
+  }
+
+  NSDictionary *read(const std::string &contents) const {
+    std::ofstream(path(), std::ios::binary) << contents;
+    return read();
+  }
+
+  void expectValues(NSDictionary *list) const {
+    ASSERT_TRUE(list != nil);
+    EXPECT_TRUE([[list objectForKey:@"language"] isEqual:@"fr"]);
+    EXPECT_STREQ([[list objectForKey:@"server"] UTF8String], "b\xC3\xBC"
+                                                             "cher.example");
+    EXPECT_EQ([[list objectForKey:@"port"] intValue], 4000);
+    EXPECT_NE(std::string_view("ilqsILQS").find([[list objectForKey:@"port"] objCType]),
+              std::string_view::npos);
+    EXPECT_STREQ([[list objectForKey:@"profile"] objCType],
+                 [[NSNumber numberWithBool:YES] objCType]);
+  }
+
+ private:
+  char folder_[32] = "/tmp/property-list.XXXXXX";
+};
+
+std::string binaryOf(id propertyList) {
+  NSData *data = [NSPropertyListSerialization dataWithPropertyList:propertyList
+                                                            format:NSPropertyListBinaryFormat_v1_0
+                                                           options:0
+                                                             error:nil];
+  return std::string(static_cast<const char *>([data bytes]), [data length]);
+}
+
+NSDictionary *sample() {
+  return
+      [NSDictionary dictionaryWithObjectsAndKeys:@"fr", @"language", [NSNumber numberWithInt:4000],
+                                                 @"port", [NSNumber numberWithBool:YES], @"profile",
+                                                 [NSString stringWithUTF8String:"b\xC3\xBC"
+                                                                                "cher.example"],
+                                                 @"server", nil];
+}
+
+/// A binary list of the given objects, of which the first is the root.
+std::string binary(const std::vector<std::string> &objects, char referenceSize = 1) {
+  const auto bigEndian = [](std::size_t value, int size) {
+    std::string bytes;
+    while (size-- > 0) bytes += static_cast<char>(value >> (8 * size));
+    return bytes;
+  };
+  std::string list = "bplist00";
+  std::string offsets;
+  for (const std::string &object : objects) {
+    offsets += bigEndian(list.size(), 3);
+    list += object;
+  }
+  const std::size_t table = list.size();
+  return list + offsets + std::string(6, '\0') + '\3' + referenceSize +
+         bigEndian(objects.size(), 8) + bigEndian(0, 8) + bigEndian(table, 8);
+}
+
+std::string repeated(const std::string &text, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) result += text;
+  return result;
+}
+
+TEST_F(PropertyListFile, IsReadInEveryFormOfTheSystem) {
+  for (const std::string &contents :
+       {kHead + kDoctype + kBody, kHead + kBody, kBody, kDoctype + kBody, "\n " + kBody,
+        "\xEF\xBB\xBF" + kHead + kBody, "<!-- comment -->" + kBody, binaryOf(sample())}) {
+    SCOPED_TRACE(contents.substr(0, 40));
+    expectValues(read(contents));
+  }
+}
+
+TEST_F(PropertyListFile, IsReadInTheOldTextForm) {
+  NSDictionary *list = read("{ language = fr; server = \"a b\"; }");
+  EXPECT_TRUE([[list objectForKey:@"server"] isEqual:@"a b"]);
+}
+
+TEST_F(PropertyListFile, FillsMutableDictionariesToo) {
+  std::ofstream(path(), std::ios::binary) << kHead + kBody;
+  NSString *file = [NSString stringWithUTF8String:path().c_str()];
+  NSMutableDictionary *list = [NSMutableDictionary dictionaryWithContentsOfFile:file];
+  [list setObject:@"x" forKey:@"server"];
+  EXPECT_EQ([list count], 4u);
+}
+
+TEST_F(PropertyListFile, MayBeMissing) {
+  EXPECT_TRUE(read() == nil);
+  EXPECT_TRUE([[[NSDictionary alloc] initWithContentsOfFile:nil] autorelease] == nil);
+  EXPECT_TRUE([NSDictionary dictionaryWithContentsOfFile:@""] == nil);
+}
+
+TEST_F(PropertyListFile, MayBeAFolder) {
+  ASSERT_EQ(mkdir(path().c_str(), 0700), 0);
+  EXPECT_TRUE(read() == nil);
+}
+
+TEST_F(PropertyListFile, MayBeAPipeThatNobodyWrites) {
+  ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
+  EXPECT_TRUE(read() == nil);
+}
+
+/// Root reads everything, so an ordinary user does the reading.
+[[noreturn]] void exitWhetherReadable(NSString *path) {
+  if (geteuid() == 0 && setuid(65534) != 0) _exit(3);
+  id list = [[NSDictionary alloc] initWithContentsOfFile:path];
+  _exit(list == nil ? 0 : 1);
+}
+
+TEST_F(PropertyListFile, MayBeUnreadable) {
+  std::ofstream(path(), std::ios::binary) << kHead + kBody;
+  const std::string folder = path().substr(0, path().rfind('/'));
+  ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+  NSString *file = [NSString stringWithUTF8String:path().c_str()];
+  GTEST_FLAG_SET(death_test_style, "fast");
+  ASSERT_EQ(chmod(path().c_str(), 0644), 0);
+  EXPECT_EXIT(exitWhetherReadable(file), testing::ExitedWithCode(1), "");
+  ASSERT_EQ(chmod(path().c_str(), 0), 0);
+  EXPECT_EXIT(exitWhetherReadable(file), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(PropertyListFile, IsNoDictionaryWhenItHoldsSomethingElse) {
+  using namespace std::string_literals;
+  const std::string rows[] = {
+      "",
+      "\n",
+      "hello",
+      "\x00\x01\x02"s,
+      "\x01\x02"s,
+      "{\"server\": \"json\"}",
+      kHead,
+      kHead + "<plist version=\"1.0\"><array><string>a</string></array></plist>",
+      kHead + "<plist version=\"1.0\"><string>a</string></plist>",
+      kHead + "<plist version=\"1.0\"></plist>",
+      "(a, b)",
+      "{ a = ",
+      binaryOf(@"text"),
+      binaryOf([NSArray arrayWithObject:@"a"]),
+      "bplist00",
+      "bplist00" + std::string(32, '\0'),
+      "bplist00" + std::string(32, '\xFF'),
+      "\x89PNG\r\n\x1A\n" + std::string(100, '\7'),
+      kHead + "<plist version=\"1.0\"><dict><key>server</key><string>\xFF\xFE</string></dict>"
+              "</plist>",
+      "{ server = \"\xFF\xFE\"; }",
+  };
+  testing::internal::CaptureStderr();
+  for (const std::string &contents : rows) {
+    EXPECT_TRUE(read(contents) == nil) << contents.substr(0, 80);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(PropertyListFile, MayBeCutAnywhere) {
+  testing::internal::CaptureStderr();
+  for (const std::string &whole : {kHead + kDoctype + kBody, binaryOf(sample())}) {
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+      NSDictionary *list = read(whole.substr(0, length));
+      // What follows the closing tag of the dictionary adds nothing.
+      if (length < whole.find("</dict>")) EXPECT_TRUE(list == nil) << length;
+    }
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(PropertyListFile, MayHaveAnyByteChanged) {
+  for (const std::string &whole : {kHead + kBody, binaryOf(sample())}) {
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+      for (const char flip : {'\x01', '\x10', '\x80', '\xFF'}) {
+        std::string changed = whole;
+        changed[i] ^= flip;
+        @autoreleasepool {
+          NSDictionary *list = read(changed);
+          EXPECT_TRUE(list == nil || [list isKindOfClass:[NSDictionary class]]);
+        }
+      }
+    }
+  }
+}
+
+TEST_F(PropertyListFile, MayBeHuge) {
+  const std::string text(2 << 20, 'x');
+  EXPECT_TRUE(read(kHead + "<plist version=\"1.0\"><dict><key>a</key><string>" + text +
+                   "</string></dict></plist>") == nil);
+  std::ofstream(path(), std::ios::binary) << kHead;
+  ASSERT_EQ(truncate(path().c_str(), off_t{1} << 40), 0);
+  EXPECT_TRUE(read() == nil);
+}
+
+TEST_F(PropertyListFile, MayBeNestedWithoutEnd) {
+  const std::string open = kHead + "<plist version=\"1.0\"><dict><key>a</key>";
+  for (const int levels : {1000, 20000, 60000}) {
+    SCOPED_TRACE(levels);
+    @autoreleasepool {
+      NSDictionary *xml = read(open + repeated("<array>", levels) + repeated("</array>", levels) +
+                               "</dict></plist>");
+      EXPECT_EQ(xml != nil, levels <= 20000);
+      EXPECT_TRUE(read(open + repeated("<array>", levels)) == nil);
+      EXPECT_TRUE(read("{ a = " + repeated("(", levels)) == nil);
+    }
+  }
+  EXPECT_TRUE(read(repeated("<", 1000000)) == nil);
+  EXPECT_TRUE(read(kHead + repeated("<array><!-- </a> -->/>", 45000)) == nil);
+}
+
+TEST_F(PropertyListFile, MayReferToItselfOrExplode) {
+  using namespace std::string_literals;
+  const std::string key = "\x51k"s;
+  EXPECT_TRUE(read(binary({"\xD1\x01\x00"s, key})) == nil) << "dictionary in itself";
+  EXPECT_TRUE(read(binary({"\xD1\x01\x02"s, key, "\xA1\x02"s})) == nil) << "array in itself";
+  EXPECT_TRUE(read(binary({"\xD1\x01\x02"s, key, "\x10\x05"s})) != nil) << "well-formed";
+  EXPECT_TRUE(read(binary({"\xDF\x13\x10\0\0\0\0\0\0\0"s, key})) == nil) << "huge count";
+  EXPECT_TRUE(read(binary({"\xD1\x01\x02"s, key, "\x5F\x12\x7F\0\0\0"s})) == nil) << "huge text";
+  EXPECT_TRUE(read(binary({"\xD1\x01\x02"s, key, "\x4F\x12\x7F\0\0\0"s})) == nil) << "huge data";
+
+  std::vector<std::string> doubling = {"\xD1\x01\x02"s, key};
+  std::vector<std::string> deep = doubling;
+  for (char i = 3; i < 60; ++i) doubling.push_back("\xA2"s + i + i);
+  doubling.push_back(key);
+  EXPECT_TRUE(read(binary(doubling)) == nil) << "each level twice the one below";
+  for (int i = 3; i < 20000; ++i) {
+    deep.push_back("\xA1"s + static_cast<char>(i >> 8) + static_cast<char>(i));
+  }
+  deep.push_back(key);
+  deep[0] = "\xD1\0\x01\0\x02"s;
+  EXPECT_TRUE(read(binary(deep, 2)) == nil) << "too many levels";
+}
+
+}  // namespace
