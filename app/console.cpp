@@ -14,8 +14,6 @@ void printLine(std::string_view text) {
 void StderrOutputStream::write(const std::string &text) const { std::fputs(text.c_str(), stderr); }
 
 void fatalError(std::string_view what) {
-  // abort() does not flush, and the last remarks tell how the program came here.
-  std::fflush(stdout);
   const StderrOutputStream stream;
   stream.write("fatal error: " + std::string(what) + "\n");
   std::abort();

@@ -15,9 +15,9 @@ struct StderrOutputStream {
   void write(const std::string &text) const;
 };
 
-/// Stops the process because of a programming error: standard output is flushed, `what` goes to
-/// standard error as one line ("fatal error: ..."), then abort(). `what` names the outlet, resource
-/// or command concerned.
+/// Stops the process because of a programming error: `what` goes to standard error as one line
+/// ("fatal error: ..."), then abort(). `what` names the outlet, resource or command concerned.
+/// Remarks are not lost by it, since each was flushed.
 [[noreturn]] void fatalError(std::string_view what);
 
 }  // namespace app

@@ -7,17 +7,21 @@
 
 namespace app {
 
-void printErrorLog(const std::string &message) {
+std::string errorLogTime(std::chrono::system_clock::time_point moment) {
   @autoreleasepool {
+    const std::chrono::duration<double> sinceEpoch = moment.time_since_epoch();
     NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
     [formatter setDateFormat:@"yyyy-MM-dd HH:mm:ss.SSS"];
-    const std::string time = utf8([formatter stringFromDate:[NSDate date]]);
-
-    // Two writes, so that the line end follows even a message that is cut at a NUL character.
-    const StderrOutputStream stream;
-    stream.write(time + " " + message);
-    stream.write("\n");
+    return utf8(
+        [formatter stringFromDate:[NSDate dateWithTimeIntervalSince1970:sinceEpoch.count()]]);
   }
+}
+
+void printErrorLog(const std::string &message) {
+  // Two writes, so that the line end follows even a message that is cut at a NUL character.
+  const StderrOutputStream stream;
+  stream.write(errorLogTime(std::chrono::system_clock::now()) + " " + message);
+  stream.write("\n");
 }
 
 }  // namespace app

@@ -33,6 +33,17 @@ TEST(ErrorLog, CutsAMessageAtANULAndStillEndsTheLine) {
   EXPECT_EQ(afterTime(logged(std::string("before\0after", 12))), " before\n");
 }
 
+TEST(ErrorLog, ShowsTheTimeOnA24HourClockWithMilliseconds) {
+  std::tm afternoon{.tm_sec = 9, .tm_min = 7, .tm_hour = 14, .tm_mday = 5, .tm_mon = 2};
+  afternoon.tm_year = 2024 - 1900;
+  afternoon.tm_isdst = -1;
+  const auto second = std::chrono::system_clock::from_time_t(std::mktime(&afternoon));
+  EXPECT_EQ(app::errorLogTime(second + std::chrono::microseconds(42500)),
+            "2024-03-05 14:07:09.042");
+  EXPECT_EQ(app::errorLogTime(second), "2024-03-05 14:07:09.000");
+  EXPECT_EQ(app::errorLogTime(second - std::chrono::hours(14)), "2024-03-05 00:07:09.000");
+}
+
 TEST(ErrorLog, ShowsLocalTime) {
   const auto localTime = [] {
     const std::time_t now = std::time(nullptr);

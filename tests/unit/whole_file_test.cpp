@@ -60,6 +60,7 @@ TEST_F(WholeFile, HoldsEveryByte) {
 
 TEST_F(WholeFile, ReplacesALinkAndLeavesWhatItPointsTo) {
   const std::string other = folder_.write("other", "untouched");
+  ASSERT_EQ(::chmod(other.c_str(), 0600), 0);
   fs::create_symlink(other, path_);
   EXPECT_FALSE(agent::writeWholeFile(path_, "new"));
   EXPECT_FALSE(fs::is_symlink(path_));
