@@ -5,7 +5,7 @@
 # ${CMAKE_BINARY_DIR}/apps unless given:
 #
 #   <title>.app/<title>
-#   <title>.app/Resources/Info-gnustep.plist, the RESOURCES, the status images
+#   <title>.app/Resources/Info-gnustep.plist, the RESOURCES, the status images, the icon
 #
 # Also links what the executable needs of this platform. Resources are copied again when they
 # change, and only then.
@@ -36,7 +36,8 @@ function(platform_add_bundle target)
 
   file(GLOB images CONFIGURE_DEPENDS "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/images/*.png")
   set(copies "")
-  foreach(resource IN LISTS arg_RESOURCES images)
+  set(icon "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../../resources/AppIcon.png")
+  foreach(resource IN LISTS arg_RESOURCES images icon)
     cmake_path(ABSOLUTE_PATH resource NORMALIZE)
     cmake_path(GET resource FILENAME name)
     set(copy "${bundle}/Resources/${name}")
