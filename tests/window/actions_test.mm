@@ -1,5 +1,7 @@
 #import "window/window_test.h"
 
+#include <algorithm>
+
 #include "app/text.h"
 #include "doubles/recording_shell.h"
 
@@ -158,14 +160,18 @@ std::string thePlist;
 
 void reportAtExit() {
   const app::AppStatics &statics = app::appStatics();
-  std::string report = "statics " + statics.server + " " + statics.port + "\n" +
-                       doubles::ScratchFolder::read(thePlist) + "\nend\n";
+  const auto deletions = std::ranges::count_if(
+      recordingShell().commandLines(),
+      [](const auto &line) { return line.find("/bin/rm ") != std::string::npos; });
+  std::string report = "statics " + statics.server + " " + statics.port + "\n" + "deletions " +
+                       std::to_string(deletions) + "\n" + doubles::ScratchFolder::read(thePlist) +
+                       "\nend\n";
   std::fputs(report.c_str(), stderr);
 }
 
 TEST_F(ActionsDeathTest, ApplyByReturnWritesTheTrimmedValuesAndEndsTheProgramWithStatus0) {
   const std::string expected =
-      "statics fileserver \\+80\n"
+      "statics fileserver \\+80\ndeletions 3\n"
       "<.xml version.*<string>fr</string>.*<string>fileserver</string>.*<integer>\\+80</integer>"
       ".*<true/>.*</plist>\nend\n";
   app::appStatics().user = "bob";
