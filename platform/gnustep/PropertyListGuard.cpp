@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 
@@ -145,18 +146,16 @@ std::optional<std::string> readPropertyListFile(const char *path) noexcept {
   if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return std::nullopt;
   }
-  std::string contents(kMaxFileSize + 1, '\0');
-  std::size_t length = 0;
-  while (length < contents.size()) {
-    const ssize_t count = read(file.get(), contents.data() + length, contents.size() - length);
+  std::string contents;
+  std::array<char, 16384> buffer;
+  while (contents.size() <= kMaxFileSize) {
+    const ssize_t count = read(file.get(), buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return std::nullopt;
-    if (count == 0) break;
-    length += static_cast<std::size_t>(count);
+    if (count == 0) return contents;
+    contents.append(buffer.data(), static_cast<std::size_t>(count));
   }
-  if (length > kMaxFileSize) return std::nullopt;
-  contents.resize(length);
-  return contents;
+  return std::nullopt;
 }
 
 }  // namespace platform

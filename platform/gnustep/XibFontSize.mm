@@ -18,7 +18,7 @@
   CGFloat points = [NSFont systemFontSize];
   if ([metaFont hasPrefix:@"mini"]) points = 9;
   if ([metaFont hasPrefix:@"small"]) points = [NSFont smallSystemFontSize];
-  return [NSNumber numberWithFloat:points];
+  return [NSNumber numberWithDouble:points];
 }
 
 @end

@@ -4,7 +4,7 @@ import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 from typing import NamedTuple
 
-RESOURCES = Path(__file__).resolve().parents[2] / "resources"
+SOURCES = Path(__file__).resolve().parents[2] / "resources"
 
 
 class Box(NamedTuple):
@@ -23,8 +23,8 @@ class Box(NamedTuple):
 class Interface:
     """The one window of an interface file."""
 
-    def __init__(self, name: str):
-        self._root = ElementTree.parse(RESOURCES / f"{name}.xib").getroot()
+    def __init__(self, name: str, folder: Path = SOURCES):
+        self._root = ElementTree.parse(folder / f"{name}.xib").getroot()
         self._parents = {child: parent for parent in self._root.iter() for child in parent}
         content = self._root.find(".//window/rect[@key='contentRect']")
         self.width, self.height = float(content.get("width")), float(content.get("height"))

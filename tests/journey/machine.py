@@ -122,7 +122,9 @@ class Machine:
         exit: int | None = None,
         signal: int | None = None,
     ) -> None:
-        """Gives an order for a program's calls that have `part` in their command line (^: its start).
+        """Gives an order for the calls of a program whose command line has `part` in it.
+
+        A part that starts with ^ must stand at the beginning of the command line.
 
         The actions happen in the order of the arguments; without `exit` or `signal` the call then
         goes on as usual. `times` limits the order to the first calls.

@@ -67,18 +67,6 @@ class Display:
         names = ("X", "Y", "WIDTH", "HEIGHT")
         return tuple(int(values[name]) for name in names) if values else None
 
-    def wait_until(self, condition, what: str, limit: float = 10.0):
-        """Waits, moving the mouse to and fro as a user would.
-
-        GNUstep's X11 backend (0.29) leaves an event that arrives while it talks to the server
-        unread, up to 30 seconds, until the next event comes.
-        """
-
-        def nudge():
-            self.xdotool("mousemove_relative", 1, 0, "mousemove_relative", "--", -1, 0)
-
-        return wait_until(condition, what, limit, nudge)
-
     def pixel(self, x: int, y: int) -> tuple[int, int, int]:
         """The colour of a point of the screen: red, green, blue."""
         all_planes, as_pixels = ctypes.c_ulong(2**64 - 1), 2
@@ -99,14 +87,14 @@ class Display:
 class Window:
     """A visible window of the program. Controls are named by their outlets."""
 
-    def __init__(self, display: Display, number: str, interface: Interface | None):
+    def __init__(self, display: Display, number: str, interface: Interface):
         self.number = number
         self._display = display
         self._interface = interface
 
     def wait_until(self, condition, what: str) -> None:
         """Waits until a condition on this window holds."""
-        self._display.wait_until(condition, what)
+        wait_until(condition, what)
 
     def place(self, outlet: str) -> tuple[int, int]:
         """The middle of a control on the screen."""
@@ -153,13 +141,13 @@ class Window:
         box = self._interface.box(outlet)
         x += round(box.width / 4)
         display.xdotool("mousemove", x, y, "mousedown", 1)
-        display.wait_until(self._menu_is_open, f"menu of {outlet}")
-        display.wait_until(lambda: display.pixel(x, y) == WHITE, f"present item of {outlet}")
+        wait_until(self._menu_is_open, f"menu of {outlet}")
+        wait_until(lambda: display.pixel(x, y) == WHITE, f"present item of {outlet}")
         y += steps * round(box.height)
         display.xdotool("mousemove", x, y)
-        display.wait_until(lambda: display.pixel(x, y) == WHITE, f"item of {outlet}")
+        wait_until(lambda: display.pixel(x, y) == WHITE, f"item of {outlet}")
         display.xdotool("mouseup", 1)
-        display.wait_until(lambda: not self._menu_is_open(), f"end of the menu of {outlet}")
+        wait_until(lambda: not self._menu_is_open(), f"end of the menu of {outlet}")
 
     def fill(self, outlet: str, text: str) -> None:
         """Replaces the text of a field by typing."""
@@ -222,7 +210,8 @@ class Program:
 
     def window(self, name: str, field: str, limit: float = 20) -> Window:
         """Waits for the window of an interface file until its field is drawn."""
-        interface = Interface(name)
+        # The bundle's own file: the sources may have changed since it was built.
+        interface = Interface(name, self.edition.program.parent / "Resources")
 
         def visible():
             self._check_running()
@@ -232,7 +221,7 @@ class Program:
                     return window if window.colour(field) == WHITE else None
             return None
 
-        return self._display.wait_until(visible, f"window {name}", limit)
+        return wait_until(visible, f"window {name}", limit)
 
     def login_window(self) -> Window:
         return self.window("MainMenu", "username")
@@ -257,7 +246,7 @@ class Program:
             self._check_running()
             return next(iter(self._windows().values()), None)
 
-        left, top, width, height = self._display.wait_until(visible, "alert", 20)
+        left, top, width, height = wait_until(visible, "alert", 20)
         self._display.xdotool("mousemove", left + width // 2, top + height // 2)
 
     def _check_running(self) -> None:
@@ -266,7 +255,7 @@ class Program:
 
     def wait(self, limit: float = 30) -> int:
         """Waits for the end of the program and returns its exit status."""
-        self._display.wait_until(lambda: self.poll() is not None, "end of the program", limit)
+        wait_until(lambda: self.poll() is not None, "end of the program", limit)
         return self._process.returncode
 
     def poll(self) -> int | None:

@@ -149,7 +149,9 @@ def test_the_console_belongs_to_alice(machine):
     assert run("bob", "stat -c %a /usr/bin").stdout == "755\n"
 
 
-@pytest.mark.parametrize(("user", "text"), [("alice", "501\n"), ("bob", "502\n"), ("nobody1", "\n")])
+@pytest.mark.parametrize(
+    ("user", "text"), [("alice", "501\n"), ("bob", "502\n"), ("nobody1", "\n")]
+)
 def test_the_user_id_of_a_name_is_looked_up(machine, user, text):
     line = f'loggedInUID=$(id -u "{user}"); echo $loggedInUID'
     assert run("alice", line).stdout == text

@@ -12,7 +12,20 @@ from waiting import wait_until
 
 BUILD = Path(os.environ.get("LAB_BUILD", REPOSITORY / "build"))
 RUN = [LAB / "run", "--build", BUILD, "--"]
-STUBBORN = 'trap "" HUP INT TERM; (setsid sleep 1000 &); touch /tmp/in /etc/in; echo ready; sleep 1000'
+CHANGES = """
+    touch /dev/$MARK /etc/$MARK /run/$MARK /tmp/$MARK /usr/bin/$MARK /var/lib/$MARK ~root/$MARK
+    useradd $MARK
+    (setsid sleep 1000 &)
+"""
+STUBBORN = f'trap "" HUP INT TERM; {CHANGES} echo ready; sleep 1000'
+# What the lab makes or replaces inside, and must not touch outside.
+SYSTEM = (
+    *("/Applications", "/Library", "/Users", "/var/lab", "/usr/libexec/lab"),
+    *("/etc/passwd", "/etc/group", "/etc/shadow", "/etc/sudoers", "/etc/hosts"),
+    *("/etc/nsswitch.conf", "/etc/pam.d/common-auth", "/etc/GNUstep", "/dev/console"),
+    *("/usr/bin/bash", "/usr/bin/sudo", "/usr/bin/stat", "/usr/bin/launchctl", "/usr/sbin/ping"),
+    "/sys",
+)
 
 
 def lab(*command, **options):
@@ -21,24 +34,44 @@ def lab(*command, **options):
     return subprocess.run([*RUN, *command], stdin=subprocess.DEVNULL, **options)
 
 
-def tree(folder, depth):
-    """Names, sizes and times of what is in a folder."""
-    for entry in os.scandir(folder):
-        status = entry.stat(follow_symlinks=False)
-        yield entry.path, status.st_mode, status.st_size, depth and status.st_mtime_ns
-        if depth and entry.is_dir(follow_symlinks=False):
-            yield from tree(entry.path, depth)
+def state(path):
+    """What tells whether a file was touched; None if there is none."""
+    try:
+        status = os.stat(path, follow_symlinks=False)
+    except FileNotFoundError:
+        return None
+    return status.st_ino, status.st_mode, status.st_uid, status.st_size, status.st_mtime_ns
 
 
-def traces():
-    """Everything on this machine that a lab could have left behind."""
-    folders = {"/": 0, "/dev": 0, "/etc": 1, "/run": 0, "/tmp": 0, "/var/lib": 0, LAB: 1}
-    return {
-        "mounts": Path("/proc/self/mountinfo").read_text(),
-        "network": Path("/proc/net/dev").read_text().count("\n"),
-        "host name": os.uname().nodename,
-        "files": {entry[0]: entry for path, depth in folders.items() for entry in tree(path, depth)},
-    }
+class Trace:
+    """A lab's mark, and what of it this machine shows."""
+
+    def __init__(self, temporary):
+        # A word that is also an account name.
+        self.mark = "m" + uuid.uuid4().hex[:20]
+        self.environment = os.environ | {"MARK": self.mark, "TMPDIR": str(temporary)}
+        self._temporary = temporary
+        self._before = self._machine()
+
+    def _machine(self):
+        return {
+            "mounts": Path("/proc/self/mountinfo").read_text(),
+            "interfaces": sorted(os.listdir("/sys/class/net")),
+            "host name": os.uname().nodename,
+            "temporary files": os.listdir(self._temporary),
+            "system": {path: state(path) for path in SYSTEM},
+        }
+
+    def check(self):
+        assert running(self.mark) == []
+        folders = ("/dev", "/etc", "/run", "/tmp", "/usr/bin", "/var/lib", "/root")
+        assert [folder for folder in folders if Path(folder, self.mark).exists()] == []
+        assert self._machine() == self._before
+
+
+@pytest.fixture
+def trace(tmp_path):
+    return Trace(tmp_path)
 
 
 def running(marker):
@@ -79,14 +112,10 @@ def test_sources_cannot_be_changed_from_inside_and_results_can_be_left_in_the_bu
     (BUILD / name).unlink()
 
 
-def test_nothing_is_left_after_a_normal_end():
-    before = traces()
-    command = "touch /etc/in /tmp/in /run/in /dev/in; useradd eve; (setsid sleep 1000 &); exit 3"
-    marker = str(uuid.uuid4())
-    result = lab("/bin/bash", "-c", command, env=os.environ | {"LAB_TEST": marker})
+def test_nothing_is_left_after_a_normal_end(trace):
+    result = lab("/bin/bash", "-c", f"{CHANGES} exit 3", env=trace.environment)
     assert result.returncode == 3, result.stderr
-    assert running(marker) == []
-    assert traces() == before
+    trace.check()
 
 
 @pytest.mark.parametrize(
@@ -99,27 +128,40 @@ def test_nothing_is_left_after_a_normal_end():
     ],
     ids=["Ctrl-C", "SIGTERM", "closed terminal", "SIGKILL"],
 )
-def test_nothing_is_left_after_an_interruption(number, whole_group, status):
-    before = traces()
-    marker = str(uuid.uuid4())
+def test_nothing_is_left_after_an_interruption(trace, number, whole_group, status):
     process = subprocess.Popen(
         [*RUN, "/bin/bash", "-c", STUBBORN],
         stdin=subprocess.DEVNULL,
         stdout=subprocess.PIPE,
-        env=os.environ | {"LAB_TEST": marker},
+        env=trace.environment,
         start_new_session=True,
     )
     try:
         assert process.stdout.readline() == b"ready\n"
-        assert len(running(marker)) >= 4
+        assert len(running(trace.mark)) >= 4
         (os.killpg if whole_group else os.kill)(process.pid, number)
         assert process.wait(timeout=10) == status
-        wait_until(lambda: not running(marker), "end of all processes of the lab")
-        assert traces() == before
+        wait_until(lambda: not running(trace.mark), "end of all processes of the lab")
+        trace.check()
     finally:
         process.kill()
         process.wait()
         process.stdout.close()
+
+
+def test_other_file_systems_of_this_machine_are_there_and_stay_unchanged(trace):
+    mounted = 'mount --bind /usr /usr; mount --bind /etc/hostname /etc/hostname; exec "$@"'
+    command = ["unshare", "--mount", "/bin/bash", "-c", mounted, "-", *RUN, "/bin/bash", "-c"]
+    result = subprocess.run(
+        [*command, "touch /usr/bin/$MARK && ls /usr/bin/$MARK"],
+        env=trace.environment,
+        capture_output=True,
+        text=True,
+        check=False,
+        timeout=60,
+    )
+    assert (result.returncode, result.stdout) == (0, f"/usr/bin/{trace.mark}\n"), result.stderr
+    trace.check()
 
 
 def test_without_root_and_sudo_one_line_says_so():
@@ -159,7 +201,8 @@ def test_an_ordinary_user_gets_root_through_sudo_and_housekeeping_stays_out_of_t
     script = f"""
         cp -R "{LAB}" /opt/
         sed -i '/%admin/s/ALL$/NOPASSWD: ALL/' /etc/sudoers
-        /opt/lab/login alice /opt/lab/run --build "{BUILD}" -- /bin/bash -c 'id -u; cat /var/lab/journal'
+        exec /opt/lab/login alice /opt/lab/run --build "{BUILD}" -- \\
+          /bin/bash -c 'id -u; cat /var/lab/journal'
     """
     result = lab("/bin/bash", "-c", script)
     assert (result.returncode, result.stdout, result.stderr) == (0, "0\n", "")
