@@ -17,7 +17,8 @@
 #include "app/console.h"
 #include "app/error_log.h"
 
-extern char **environ;
+// POSIX leaves the declaration to the program; glibc has one all the same.
+extern char **environ;  // NOLINT(readability-redundant-declaration)
 
 namespace agent {
 namespace {
@@ -50,8 +51,8 @@ class SpawnPlan {
     ::posix_spawn_file_actions_init(&actions_);
     sigset_t every;
     sigset_t none;
-    ::sigfillset(&every);
-    ::sigemptyset(&none);
+    sigfillset(&every);  // macros on macOS, so without a scope
+    sigemptyset(&none);
     ::posix_spawnattr_setsigdefault(&attributes_, &every);
     ::posix_spawnattr_setsigmask(&attributes_, &none);
     ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);

@@ -5,8 +5,12 @@
 namespace app {
 
 AppStatics &appStatics() {
-  static AppStatics statics{.oem = std::string(buildEdition().oem),
-                            .appName = std::string(buildEdition().appName)};
+  static AppStatics statics = [] {
+    AppStatics initial;
+    initial.oem = buildEdition().oem;
+    initial.appName = buildEdition().appName;
+    return initial;
+  }();
   return statics;
 }
 

@@ -28,11 +28,17 @@ add_library(platform_api INTERFACE)
 target_link_libraries(platform_api INTERFACE "-framework AppKit" "-framework Foundation"
                                              "-framework OpenDirectory")
 target_compile_options(platform_api INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:-fno-objc-arc>")
+if(CMAKE_CROSSCOMPILING)
+  # An archive: its one member is linked only where it is needed.
+  add_library(mac_available STATIC
+              "${CMAKE_CURRENT_LIST_DIR}/../platform/macos/toolchain/available.cpp")
+  target_link_libraries(platform_api INTERFACE mac_available)
+endif()
 add_library(platform_strict INTERFACE)
 add_library(platform_gnustep INTERFACE)
 
-# Appends the file that the resource becomes in the bundle to the list `files`.
-function(_add_resource bundle resource files)
+# Appends the file that the resource becomes in the bundle to the list of that name.
+function(_add_resource bundle resource list)
   cmake_path(ABSOLUTE_PATH resource NORMALIZE)
   cmake_path(GET resource FILENAME name)
   set(make "${CMAKE_COMMAND}" -E copy "${resource}")
@@ -44,22 +50,21 @@ function(_add_resource bundle resource files)
   set(file "${bundle}/Contents/Resources/${name}")
   add_custom_command(OUTPUT "${file}" DEPENDS "${resource}" COMMAND ${make} "${file}"
                      COMMENT "Making ${name} of ${bundle}" VERBATIM)
-  set(${files} ${${files}} "${file}" PARENT_SCOPE)
+  set(${list} ${${list}} "${file}" PARENT_SCOPE)
 endfunction()
 
-# Signs whenever the executable or a resource has changed. A bundle is sealed as a whole, so this is
-# the last step. No entitlements: the program is not sandboxed and needs none under the hardened runtime.
+# A bundle is sealed as a whole: signing follows the linking, which follows every change in the bundle.
+# No entitlements: the program is not sandboxed and needs none under the hardened runtime.
 function(_sign_bundle target bundle)
   set(options "")
   if(NOT MAC_SIGNING_IDENTITY STREQUAL "-")
     set(options --options runtime --timestamp)
   endif()
-  set(seal "${bundle}/Contents/_CodeSignature/CodeResources")
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${ARGN})
   add_custom_command(
-    OUTPUT "${seal}" DEPENDS ${target} ${ARGN}
+    TARGET ${target} POST_BUILD
     COMMAND "${CODESIGN}" --force --sign "${MAC_SIGNING_IDENTITY}" ${options} "${bundle}"
     COMMENT "Signing ${bundle}" VERBATIM)
-  add_custom_target(${target}_signature ALL DEPENDS "${seal}")
 endfunction()
 
 function(platform_add_bundle target)
@@ -68,8 +73,10 @@ function(platform_add_bundle target)
     message(FATAL_ERROR "platform_add_bundle(${target}): TITLE and IDENTIFIER are required, "
                         "unknown: '${arg_UNPARSED_ARGUMENTS}'")
   endif()
+  set(packed OFF)
   if(NOT arg_OUTPUT_DIR)
     set(arg_OUTPUT_DIR "${CMAKE_BINARY_DIR}/apps")
+    set(packed ON)  # a bundle elsewhere is a test's own
   endif()
   set(bundle "${arg_OUTPUT_DIR}/${arg_TITLE}.app")
   set(resources_folder "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../resources")
@@ -87,6 +94,9 @@ function(platform_add_bundle target)
                OUTPUT_NAME "${arg_TITLE}"
                RUNTIME_OUTPUT_DIRECTORY "${arg_OUTPUT_DIR}")
   target_link_libraries(${target} PRIVATE platform_api)
+  if(packed)
+    mac_package_bundle(${target} "${arg_TITLE}" "${arg_IDENTIFIER}")  # install() asks for MACOSX_BUNDLE
+  endif()
 
   set(files "")
   foreach(resource IN LISTS arg_RESOURCES ITEMS "${resources_folder}/AppIcon.icns")
@@ -94,8 +104,7 @@ function(platform_add_bundle target)
   endforeach()
   add_custom_target(${target}_resources ALL DEPENDS ${files})
   add_dependencies(${target} ${target}_resources)
-  mac_package_bundle(${target})
   if(CODESIGN)
-    _sign_bundle(${target} "${bundle}" ${files})
+    _sign_bundle(${target} "${bundle}" ${files} "${property_list}")
   endif()
 endfunction()

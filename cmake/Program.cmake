@@ -12,7 +12,7 @@
 include(cmake/Editions.cmake)
 
 add_library(project_warnings INTERFACE)
-target_compile_options(project_warnings INTERFACE -Wall -Wextra -Werror)
+target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wreserved-identifier -Werror)
 
 file(GLOB core_sources CONFIGURE_DEPENDS RELATIVE "${CMAKE_SOURCE_DIR}" app/*.cpp settings/*.cpp
      agent/*.cpp i18n/*.cpp)

@@ -31,6 +31,7 @@ class Class:
 
     superclass: str = ""
     outlets: dict = field(default_factory=dict)  # name -> class of the control
+    methods: set = field(default_factory=set)
     actions: set = field(default_factory=set)
 
 
@@ -57,7 +58,10 @@ def read_headers(source):
             found.superclass = superclass or found.superclass
             for control, outlet in re.findall(r"IBOutlet\s+(\w+)\s*\*\s*(\w+)", block):
                 found.outlets[outlet] = control
-            found.actions |= set(re.findall(r"\(IBAction\)\s*(\w+:)", block))
+            for method in re.findall(r"^[-+]\s*\([^;]*;", block, re.MULTILINE):
+                found.methods.add(api.selector(method))
+                if "IBAction" in method:
+                    found.actions.add(api.selector(method))
     return classes
 
 
@@ -68,12 +72,12 @@ def superclasses():
 
 
 class InterfaceFile:
-    """One file; `findings` says what is wrong with it."""
+    """One file; `findings` says what is wrong with it, `owner` is its class, or "" when unreadable."""
 
     def __init__(self, path, classes, resources):
         self.path, self.classes, self.resources = path, classes, resources
         self.format, self.parents = read_format(), superclasses()
-        self.findings = []
+        self.findings, self.owner = [], ""
         try:
             self.root = ElementTree.parse(path).getroot()
         except ElementTree.ParseError as error:
@@ -185,7 +189,9 @@ def check(source):
     for path in sorted((source / "resources").glob("*.xib")):
         file = InterfaceFile(path, classes, source / "resources")
         findings += file.findings
-        owners.add(getattr(file, "owner", ""))
+        owners.add(file.owner)
+    if "" in owners:
+        return findings
     for name, found in classes.items():
         if (found.outlets or found.actions) and name not in owners:
             findings.append(f"{name}: declares outlets or actions, but owns no interface file")

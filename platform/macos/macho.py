@@ -69,9 +69,11 @@ class Slice:
 
     @cached_property
     def undefined(self):
+        """What other libraries must supply, but for dyld_stub_binder, which the linker adds itself."""
         pattern = re.compile(r"\(undefined\) (weak )?external (\S+)(?: \(from (\S+)\))?")
         found = pattern.findall(tool("nm", "--undefined-only", "-m", self.path))
-        return [Undefined(name, library, bool(weak)) for weak, name, library in found]
+        return [Undefined(name, library, bool(weak)) for weak, name, library in found
+                if name.startswith("_")]
 
     @cached_property
     def implemented(self):

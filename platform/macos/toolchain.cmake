@@ -7,6 +7,8 @@
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR "${MAC_ARCHITECTURE}")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES MAC_ARCHITECTURE MAC_API)
+set(CMAKE_AR llvm-ar-14)
+set(CMAKE_RANLIB llvm-ranlib-14)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)  # the stubs hold only what the program links
 
 include("${CMAKE_CURRENT_LIST_DIR}/../../cmake/MacMinimum.cmake")
@@ -18,14 +20,15 @@ else()
   set(_target "${MAC_ARCHITECTURE}-macos.${MAC_MINIMUM_SYSTEM}")
 endif()
 
-# Zig turns off the marks that tell in which macOS version a part of the C++ library appeared, since
-# it brings its own library; here the system's is linked, as on a Mac.
+# Undone are two of Zig's own defaults: checks for undefined behaviour, which need a runtime; and hidden
+# marks of the macOS version in which a part of the C++ library appeared. Zig brings its own library;
+# here the system's is linked, as on a Mac.
 set(_marks _LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS)
 foreach(_language IN ITEMS CXX OBJCXX)
   set(CMAKE_${_language}_COMPILER "${CMAKE_CURRENT_LIST_DIR}/toolchain/c++")
   set(CMAKE_${_language}_COMPILER_TARGET "${_target}")
   set(CMAKE_${_language}_FLAGS_INIT
-      "-U${_marks} -D${_marks}=1 -isystem ${MAC_API}/usr/include -iframework ${MAC_API}/System/Library/Frameworks -Werror=unguarded-availability -Werror=undeclared-selector")
+      "-U${_marks} -D${_marks}=1 -fno-sanitize=undefined -isystem ${MAC_API}/usr/include -iframework ${MAC_API}/System/Library/Frameworks -Werror=unguarded-availability -Werror=undeclared-selector")
   set(CMAKE_${_language}_STANDARD_LIBRARIES "${MAC_API}/usr/lib/libobjc.tbd ${MAC_API}/usr/lib/libc++.tbd")
 endforeach()
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ -F${MAC_API}/System/Library/Frameworks")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-F${MAC_API}/System/Library/Frameworks")

@@ -25,6 +25,11 @@ class SettingsWindow : public WindowTest {
   static NSInteger selectedItem(ServerWindowController *controller) {
     return [outlet<NSPopUpButton>(controller, "selectLanguage") indexOfSelectedItem];
   }
+  static std::size_t occurrences(const std::string &text, const std::string &part) {
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    return count;
+  }
   /// Every text that the window shows in the current language, in a fixed order.
   static std::string texts(ServerWindowController *controller) {
     return app::utf8([outlet<NSTextFieldCell>(controller, "setting_label") stringValue]) + " | " +
@@ -266,8 +271,8 @@ TEST_F(SettingsWindow, KeepsEveryTextWithoutAUsableCatalogueButTrimsAndSelects) 
   testing::internal::CaptureStderr();
   ServerWindowController *controller = openSettings();
   const std::string errors = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 2) << errors;
-  EXPECT_NE(errors.find(" error to get language: "), std::string::npos) << errors;
+  // Once per translation; GNUstep may add words of its own.
+  EXPECT_EQ(occurrences(errors, " error to get language: "), 2U) << errors;
   EXPECT_EQ(itemTitles(controller, "selectLanguage"), "English, French");
   EXPECT_EQ(selectedItem(controller), 1);
   EXPECT_EQ(app::appStatics().lang, Language::Fr);
