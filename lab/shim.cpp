@@ -27,9 +27,9 @@ constexpr std::string_view kReal = "/usr/libexec/lab/real";
 constexpr const char *kJournal = "/var/lab/journal";
 constexpr const char *kOrders = "/var/lab/orders";
 
-// An order is one line: how often (six digits, or "always"), program ("any" for all), actions
-// joined with commas, and a part of the command line (the rest of the line; ^ stands for its
-// start).
+// An order is one line: how often (six characters: a number, negative for the call of that number
+// alone; or "always"), program ("any" for all), actions joined with commas, and a part of the
+// command line (the rest of the line; ^ stands for its start).
 struct Order {
   std::string_view times;
   std::string_view program;
@@ -66,10 +66,10 @@ std::string_view takeField(std::string_view &text, char separator) {
 
 // A static executable has no name service, and the lab's accounts are all in the file.
 std::string userName(uid_t uid) {
-  const std::string id = std::to_string(uid);
+  std::string id = std::to_string(uid);
   const int file = open("/etc/passwd", O_RDONLY | O_CLOEXEC);
-  const std::string accounts = readAll(file);
-  close(file);
+  const std::string accounts = file < 0 ? std::string() : readAll(file);
+  if (file >= 0) close(file);
   std::string_view rest = accounts;
   while (!rest.empty()) {
     std::string_view account = takeField(rest, '\n');
@@ -122,7 +122,7 @@ void noteCall(std::string_view program, const std::vector<std::string_view> &arg
   line += "]}\n";
   const int file = open(kJournal, O_WRONLY | O_APPEND | O_CLOEXEC);
   if (file < 0 || write(file, line.data(), line.size()) < 0) perror("lab: journal");
-  close(file);
+  if (file >= 0) close(file);
 }
 
 int number(std::string_view text) {
@@ -146,7 +146,8 @@ void obey(std::string_view action) {
     timespec rest;
     rest.tv_sec = static_cast<time_t>(seconds);
     rest.tv_nsec = static_cast<long>((seconds - static_cast<double>(rest.tv_sec)) * 1e9);
-    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) continue;
+    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+    }
   } else if (verb == "stderr") {
     const std::string noise(static_cast<size_t>(number(action)), 'e');
     size_t done = 0;
@@ -160,14 +161,14 @@ void obey(std::string_view action) {
   }
 }
 
-// Counts one use of the order whose line starts at the offset; false when it is used up.
+// Counts one call for the order whose line starts at the offset; whether the order is for it.
 bool useOrder(int file, off_t offset, std::string_view times) {
   if (times == "always") return true;
   const int left = number(times);
   if (left == 0) return false;
   std::array<char, 8> digits;
-  snprintf(digits.data(), digits.size(), "%06d", left - 1);
-  return pwrite(file, digits.data(), 6, offset) == 6;
+  snprintf(digits.data(), digits.size(), "%06d", left > 0 ? left - 1 : left + 1);
+  return pwrite(file, digits.data(), 6, offset) == 6 && left >= -1;
 }
 
 bool contains(std::string_view commandLine, std::string_view part) {

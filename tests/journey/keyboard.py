@@ -1,7 +1,6 @@
 """A display and windows that are used with the keyboard alone."""
 
 from screen import WHITE, Display, Window
-from waiting import wait_until
 
 HIGHLIGHT = (170, 170, 170)
 MOUSE = {"click", "mousedown", "mousemove", "mousemove_relative", "mouseup"}
@@ -14,10 +13,6 @@ class KeyboardDisplay(Display):
     def xdotool(self, *words: object) -> str:
         assert not MOUSE & set(words), words
         return super().xdotool(*words)
-
-    def wait_until(self, condition, what: str, limit: float = 10.0):
-        """Waits, pressing a key that does nothing: see Display.wait_until."""
-        return wait_until(condition, what, limit, lambda: self.xdotool("key", "shift"))
 
 
 def has_selected_text(display: Display, window: Window, outlet: str) -> bool:

@@ -205,7 +205,7 @@ TEST_F(PropertyListFile, MayHaveAnyByteChanged) {
     for (std::size_t i = 0; i < whole.size(); ++i) {
       for (const char flip : {'\x01', '\x10', '\x80', '\xFF'}) {
         std::string changed = whole;
-        changed[i] ^= flip;
+        changed[i] = static_cast<char>(changed[i] ^ flip);
         @autoreleasepool {
           NSDictionary *list = read(changed);
           EXPECT_TRUE(list == nil || [list isKindOfClass:[NSDictionary class]]);

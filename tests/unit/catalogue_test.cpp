@@ -187,7 +187,8 @@ TEST(ShippedCatalogue, IsCompleteInEveryLanguageWithoutEmptyTextsColonsOrOuterBl
   const std::string text = doubles::ScratchFolder::read(RESOURCES "/translate.json");
   const DecodedCatalogue decoded = i18n::decodeCatalogue(text);
   ASSERT_TRUE(decoded.catalogue) << decoded.error;
-  for (const auto &[language, groups] : nlohmann::json::parse(text).items()) {
+  const Json catalogue = Json::parse(text);
+  for (const auto &[language, groups] : catalogue.items()) {
     for (const auto &[group, keys] : groups.items()) {
       for (const auto &[key, value] : keys.items()) {
         const auto shown = value.get<std::string>();

@@ -100,10 +100,9 @@ TEST_F(StoredSettings, AreDefaultsForEveryFileThatIsNoDictionary) {
       "<?xml version=\"1.0\"?><plist version=\"1.0\"><string>x</string></plist>",
       std::string("\0\0\0", 3),
       "bplist00",
-      "bplist00\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"
-      "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF",
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>server</key>"
-      "<string>\xFF\xFE\xFF</string></dict></plist>",
+      "bplist00" + std::string(32, '\xFF'),
+      ("<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>server</key>"
+       "<string>\xFF\xFE\xFF</string></dict></plist>"),
       std::string(200'000, '('),
       std::string(200'000, '<'),
   };

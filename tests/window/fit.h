@@ -1,0 +1,35 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <string>
+#include <vector>
+
+namespace windowtest {
+
+/// What part of each text's room stays free: the platform's own font may be wider than the one that
+/// is measured here.
+constexpr double kSpare = 0.15;
+
+/// The outlet of `owner` that is connected to the control or to its cell; else its class.
+std::string nameOf(NSView *control, id owner);
+
+/// The controls of a window, from the first to the last of its interface file.
+std::vector<NSView *> controlsOf(NSWindow *window);
+
+/// A line for each text of the window, its title included, that has too little room: the control,
+/// what is needed with the spare room and what is there, and the missing points. Pop-ups are
+/// measured with each item.
+std::vector<std::string> textFindings(NSWindow *window, id owner);
+
+/// A line for each control that leaves the window's margins or comes too near to another.
+std::vector<std::string> layoutFindings(NSWindow *window, id owner);
+
+/// The part of a control's frame that the user sees on macOS, which draws buttons and pop-ups
+/// smaller than their frames.
+NSRect visibleFrame(NSView *control);
+
+/// The height of a text broken into lines of that width.
+CGFloat wrappedHeight(NSAttributedString *text, CGFloat width);
+
+}  // namespace windowtest
