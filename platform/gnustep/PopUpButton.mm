@@ -1,6 +1,6 @@
 // Flaws of gui 0.29's pop-up buttons. Return goes to the window's default button even while a
-// pop-up's menu is open, where macOS takes the highlighted item. A closed pop-up shows the check mark
-// of its selected item on its left edge, and where no item has one, the title stands there.
+// pop-up's menu is open, where macOS takes the highlighted item. A closed pop-up shows the check
+// mark of its selected item on its left edge, and where no item has one, the title stands there.
 
 #import <AppKit/AppKit.h>
 #import <objc/runtime.h>

@@ -87,7 +87,7 @@ def test_keys_of_an_open_menu_are_its_own(machine, log_in, display, key):
     program, window = log_in()
     window.press("shift+Tab")
     choose_with_keys(display, window, 1, key)
-    # Five stops to Quit: port, kind of test, Test, reset; the profile's check box is passed over.
+    # To Quit: server, port, kind of test, Test, reset; the profile's check box is passed over.
     window.press("Tab", "Tab", "Tab", "Tab", "Tab", "Tab", "space")
     assert program.wait() == 0
     assert machine.journal() == profile_check("alice", ALICE, EDITIONS["Quorvix"])
