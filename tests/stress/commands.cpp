@@ -1,0 +1,109 @@
+// Commands run by the thousand in every mode, with signals arriving all the time.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+#include "agent/shell.h"
+
+namespace {
+
+using agent::ShellMode;
+using agent::ShellResult;
+
+constexpr int kCalls = 10000;
+constexpr int kCallsToWarmUp = 500;
+
+volatile sig_atomic_t alarms;
+volatile sig_atomic_t childSignals;
+
+/// While it lives, SIGALRM comes every 2 ms, and both it and SIGCHLD interrupt what is under way.
+class Signals {
+ public:
+  Signals() {
+    alarms = 0;
+    childSignals = 0;
+    struct sigaction action {};
+    action.sa_handler = [](int signal) {
+      if (signal == SIGALRM) alarms = alarms + 1;
+      if (signal == SIGCHLD) childSignals = childSignals + 1;
+    };
+    ::sigaction(SIGALRM, &action, &alarmBefore_);
+    ::sigaction(SIGCHLD, &action, &childBefore_);
+    const itimerval often{.it_interval = {0, 2000}, .it_value = {0, 2000}};
+    ::setitimer(ITIMER_REAL, &often, nullptr);
+  }
+  ~Signals() {
+    const itimerval never{};
+    ::setitimer(ITIMER_REAL, &never, nullptr);
+    ::sigaction(SIGALRM, &alarmBefore_, nullptr);
+    ::sigaction(SIGCHLD, &childBefore_, nullptr);
+  }
+  Signals(const Signals &) = delete;
+  Signals &operator=(const Signals &) = delete;
+
+ private:
+  struct sigaction alarmBefore_ {};
+  struct sigaction childBefore_ {};
+};
+
+long openDescriptors() { return std::distance(std::filesystem::directory_iterator("/dev/fd"), {}); }
+
+/// The most memory that the process ever had, in the system's unit: kB, or bytes on macOS.
+long peakMemory() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+bool hasNoChild() { return ::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD; }
+
+/// The i-th call of that mode; each must give what its own command says.
+void callOnce(ShellMode mode, int i) {
+  const std::string number = std::to_string(i % 256);
+  const ShellResult result =
+      agent::runShellCommand(agent::kSh,
+                             "echo " + number + " > /dev/null; " +
+                                 (mode == ShellMode::Capture ? "echo " : "exit ") + number,
+                             mode);
+  ASSERT_EQ(result.status, mode == ShellMode::Status ? i % 256 : 0) << i;
+  ASSERT_EQ(result.text, mode == ShellMode::Capture ? number + "\n" : "") << i;
+}
+
+class TenThousandCommands : public testing::TestWithParam<ShellMode> {};
+
+TEST_P(TenThousandCommands, LeaveNoDescriptorNoChildAndNoMemoryWhateverSignalsArrive) {
+  const Signals signals;
+  for (int i = 0; i < kCallsToWarmUp; ++i) ASSERT_NO_FATAL_FAILURE(callOnce(GetParam(), i));
+  const long descriptors = openDescriptors();
+  const long memory = peakMemory();
+  for (int i = 0; i < kCalls; ++i) ASSERT_NO_FATAL_FAILURE(callOnce(GetParam(), i));
+
+  EXPECT_EQ(openDescriptors(), descriptors);
+  EXPECT_TRUE(hasNoChild());
+  // 16 bytes left behind by each call would show.
+  EXPECT_LE(peakMemory() - memory, memory / 150) << "of " << memory;
+  EXPECT_GE(alarms, 1000);
+  EXPECT_GE(childSignals, kCalls);
+  std::printf("peak memory %ld, then %ld; %d SIGALRM, %d SIGCHLD\n", memory, peakMemory(),
+              int{alarms}, int{childSignals});
+}
+
+std::string nameOf(const testing::TestParamInfo<ShellMode> &mode) {
+  constexpr std::array kNames{"Capture", "Status", "WaitOnly", "LaunchOnly"};
+  return kNames[static_cast<std::size_t>(mode.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, TenThousandCommands,
+                         testing::Values(ShellMode::Capture, ShellMode::Status, ShellMode::WaitOnly,
+                                         ShellMode::LaunchOnly),
+                         nameOf);
+
+}  // namespace
