@@ -25,7 +25,7 @@ static_assert(std::string_view(kLongAddress).size() == 45);
 /// The text made longer by that part of itself.
 std::string longer(const std::string &text, double part) {
   NSString *string = app::nsString(text);
-  const auto more = static_cast<NSUInteger>(std::ceil([string length] * part));
+  const auto more = static_cast<NSUInteger>(std::ceil(static_cast<double>([string length]) * part));
   return text + app::utf8([string substringToIndex:more]);
 }
 
