@@ -7,11 +7,9 @@ import sys
 import tempfile
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests/journey"))
-
-from machine import AGENT, DAEMON, EDITIONS, LAB, SERVER_PLIST, Machine, listen  # noqa: E402
-from screen import Display, Program  # noqa: E402
-from waiting import wait_until  # noqa: E402
+from driver.machine import AGENT, DAEMON, EDITIONS, LAB, SERVER_PLIST, Machine, listen
+from driver.screen import Display, Program
+from driver.waiting import wait_until
 
 BEFORE = """<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0">

@@ -9,13 +9,11 @@ import time
 from collections import deque
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests/journey"))
-
-from commands import server_plist  # noqa: E402
-from keyboard import wait_for_keyboard  # noqa: E402
-from machine import ACCOUNTS, EDITIONS, Edition, Machine  # noqa: E402
-from screen import Display, Program  # noqa: E402
-from waiting import wait_until  # noqa: E402
+from driver.commands import server_plist
+from driver.keyboard import wait_for_keyboard
+from driver.machine import ACCOUNTS, EDITIONS, Edition, Machine
+from driver.screen import Display, Program
+from driver.waiting import wait_until
 
 LANGUAGES = ("en", "fr", "it", "de", "es")
 OFFERED = {"Quorvix": LANGUAGES, "Zentavo": ("en", "fr"), "Fennrow": ("en",), "Tollwick": ("en", "de")}

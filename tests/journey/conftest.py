@@ -4,8 +4,8 @@ import os
 from pathlib import Path
 
 import pytest
-from machine import Machine
-from screen import Display, Program
+from driver.machine import Machine
+from driver.screen import Display, Program
 
 PICTURES = Path(os.environ.get("LAB_BUILD", "")) / "journey"
 FAILED = pytest.StashKey[bool]()

@@ -5,11 +5,11 @@ import re
 from pathlib import Path
 from typing import NamedTuple
 
-from commands import server_plist
-from machine import AGENT, DAEMON, EDITIONS, PREFERENCES, SERVER_PLIST, STATE, Command
+from driver.commands import server_plist
+from driver.machine import AGENT, DAEMON, EDITIONS, PREFERENCES, SERVER_PLIST, STATE, Command
+from driver.waiting import wait_until
 from rehearsal import ALICE, NOISE, Place, Rehearsal
-from test_apply import WRITE_ERROR
-from waiting import wait_until
+from remarks import WRITE_ERROR
 
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
 NEW = server_plist("fr", "192.0.2.1", "4000", False)

@@ -6,7 +6,7 @@ import subprocess
 from dataclasses import dataclass
 from typing import NamedTuple
 
-from commands import (
+from driver.commands import (
     RESET_FILES,
     check_agent,
     check_daemon,
@@ -17,8 +17,8 @@ from commands import (
     stop_agent,
     stop_daemon,
 )
-from machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, Account, Command, Job
-from test_apply import FAILED, SAID
+from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, Account, Command, Job
+from remarks import FAILED, SAID
 
 ALICE = ACCOUNTS["alice"]
 DAEMON_SETTINGS = "daemon.settings.xml"

@@ -5,7 +5,7 @@ import subprocess
 from itertools import product
 
 import pytest
-from commands import (
+from driver.commands import (
     RESET_FILES,
     check_agent,
     check_daemon,
@@ -18,33 +18,12 @@ from commands import (
     stop_agent,
     stop_daemon,
 )
-from machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, PREFERENCES, SERVER_PLIST
+from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, PREFERENCES, SERVER_PLIST
+from remarks import FAILED, SAID, WRITE_ERROR, said
 
 ALICE = ACCOUNTS["alice"]
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
 NEW = server_plist("fr", "192.0.2.10", "4000", False)
-SAID = {
-    stop_agent: "Global Agent stop successfully.",
-    stop_daemon: "Global Daemon stops successfully.",
-    start_daemon: "Global Daemon starts successfully.",
-    start_agent: "Global Agent starts successfully.",
-}
-FAILED = {
-    stop_agent: "Global Agent failed to stop.",
-    stop_daemon: "Global Daemon failed to stop.",
-    start_daemon: "Global Daemon failed to start.",
-    start_agent: "Global Agent failed to start.",
-}
-
-
-WRITE_ERROR = (
-    r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} "
-    r"unable to write in /Library/Preferences/ZentavoAgent/server\.plist with error (.*)\n"
-)
-
-
-def said(*operations):
-    return [SAID[operation] for operation in operations]
 
 
 def apply_once(start, reset=False, **options):

@@ -1,8 +1,8 @@
 """The connection test, and input that the test or Apply does not accept."""
 
 import pytest
-from commands import connection_test, profile_check, server_plist
-from machine import ACCOUNTS, EDITIONS, SERVER_PLIST, listen
+from driver.commands import connection_test, profile_check, server_plist
+from driver.machine import ACCOUNTS, EDITIONS, SERVER_PLIST, listen
 
 ALICE = ACCOUNTS["alice"]
 LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])

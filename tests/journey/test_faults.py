@@ -9,11 +9,11 @@ import time
 from pathlib import Path
 
 import pytest
-from commands import server_plist
-from machine import PREFERENCES, SERVER_PLIST
+from driver.commands import server_plist
+from driver.machine import PREFERENCES, SERVER_PLIST
+from driver.screen import Program
+from driver.waiting import wait_until
 from rehearsal import ALICE, NOISE, Place, Rehearsal
-from screen import Program
-from waiting import wait_until
 
 pytest.register_assert_rewrite("faults")
 

@@ -1,7 +1,7 @@
 """Everything that the windows offer, with the keyboard alone."""
 
 import pytest
-from commands import (
+from driver.commands import (
     check_agent,
     check_daemon,
     connection_test,
@@ -12,8 +12,8 @@ from commands import (
     start_agent,
     start_daemon,
 )
-from keyboard import KeyboardDisplay, choose_with_keys, has_selected_text, wait_for_keyboard
-from machine import ACCOUNTS, EDITIONS, SERVER_PLIST, listen
+from driver.keyboard import KeyboardDisplay, choose_with_keys, has_selected_text, wait_for_keyboard
+from driver.machine import ACCOUNTS, EDITIONS, SERVER_PLIST, listen
 
 ALICE = ACCOUNTS["alice"]
 OLD = server_plist("en", "192.0.2.1", "4000", False)

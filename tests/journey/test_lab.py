@@ -4,7 +4,7 @@ import subprocess
 import time
 
 import pytest
-from machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, LAB, Command, listen
+from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, LAB, Command, listen
 
 DAEMON_FILE = "/Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist"
 AGENT_FILE = "/Library/LaunchAgents/com.quorvix.SystemAgentUX.plist"
@@ -246,6 +246,11 @@ def test_orders_fail_end_delay_and_disturb_the_commands_they_name(machine):
     result = run("alice", "id -u carol")
     assert (result.stdout, len(result.stderr)) == ("503\n", 60000)
     assert time.monotonic() - start > 0.3
+
+
+def test_an_order_may_be_for_the_second_call_alone(machine):
+    machine.order("id", times=-2, exit=7)
+    assert [run("alice", "id -u; exit $?").returncode for _ in range(4)] == [0, 7, 0, 0]
 
 
 def test_an_order_for_a_command_as_root_is_obeyed_behind_sudo(machine):

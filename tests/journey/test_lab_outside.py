@@ -7,8 +7,8 @@ import uuid
 from pathlib import Path
 
 import pytest
-from machine import LAB, REPOSITORY
-from waiting import wait_until
+from driver.machine import LAB, REPOSITORY
+from driver.waiting import wait_until
 
 BUILD = Path(os.environ.get("LAB_BUILD", REPOSITORY / "build"))
 RUN = [LAB / "run", "--build", BUILD, "--"]

@@ -1,7 +1,7 @@
 """Every edition with every stored language: shown, applied unchanged, and stored again."""
 
 import pytest
-from commands import (
+from driver.commands import (
     check_agent,
     check_daemon,
     console_lookup,
@@ -10,7 +10,7 @@ from commands import (
     start_agent,
     start_daemon,
 )
-from machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, SERVER_PLIST
+from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, SERVER_PLIST
 
 # What each edition makes of a stored language.
 STORED = ("en", "fr", "it", "de", "es", "EN", "")

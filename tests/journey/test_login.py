@@ -1,8 +1,8 @@
 """From the start of the program to the settings window, and out again."""
 
 import pytest
-from commands import profile_check
-from machine import ACCOUNTS, EDITIONS
+from driver.commands import profile_check
+from driver.machine import ACCOUNTS, EDITIONS
 
 every_edition = pytest.mark.parametrize("edition", EDITIONS)
 

@@ -1,6 +1,6 @@
 """A display and windows that are used with the keyboard alone."""
 
-from screen import WHITE, Display, Window
+from .screen import WHITE, Display, Window
 
 HIGHLIGHT = (170, 170, 170)
 MOUSE = {"click", "mousedown", "mousemove", "mousemove_relative", "mouseup"}

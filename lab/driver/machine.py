@@ -127,7 +127,7 @@ class Machine:
         A part that starts with ^ must stand at the beginning of the command line.
 
         The actions happen in the order of the arguments; without `exit` or `signal` the call then
-        goes on as usual. `times` limits the order to the first calls.
+        goes on as usual. `times` limits the order to the first calls; -n is for the n-th call alone.
         """
         actions = {"stderr": stderr, "delay": delay, "exit": exit, "signal": signal}
         words = ",".join(f"{verb}={n}" for verb, n in actions.items() if n is not None)

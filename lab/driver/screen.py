@@ -6,9 +6,9 @@ import re
 import subprocess
 from pathlib import Path
 
-from interface import Interface
-from machine import EDITIONS, LAB, Edition
-from waiting import wait_until
+from .interface import Interface
+from .machine import EDITIONS, LAB, Edition
+from .waiting import wait_until
 
 WHITE = (255, 255, 255)
 

@@ -1,6 +1,6 @@
 """The commands that the program is expected to run, word for word, as the journal shows them."""
 
-from machine import Account, Command, Edition
+from .machine import Account, Command, Edition
 
 DAEMON_FILE = "/Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist"
 AGENT_FILE = "/Library/LaunchAgents/com.quorvix.SystemAgentUX.plist"
