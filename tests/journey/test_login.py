@@ -1,8 +1,12 @@
 """From the start of the program to the settings window, and out again."""
 
+import shutil
+import signal
+import subprocess
+
 import pytest
 from driver.commands import profile_check
-from driver.machine import ACCOUNTS, EDITIONS
+from driver.machine import ACCOUNTS, EDITIONS, LAB
 
 every_edition = pytest.mark.parametrize("edition", EDITIONS)
 
@@ -87,3 +91,21 @@ def test_another_administrator_may_log_in_but_sudo_wants_the_runners_own_passwor
     program.log_in("bob", "bob-pw").click("Quit_button")
     assert program.wait() == 0
     assert machine.journal() == profile_check("alice", ACCOUNTS["bob"], EDITIONS["Zentavo"])
+
+
+def test_a_program_without_its_interface_file_says_so_and_stops(machine, display):
+    program = EDITIONS["Zentavo"].program
+    torn = program.parent.with_name("Torn.app")
+    shutil.copytree(program.parent, torn)
+    (torn / "Resources/MainMenu.xib").unlink()
+    result = subprocess.run(
+        [LAB / "login", "alice", torn / program.name],
+        env=display.environment,
+        capture_output=True,
+        text=True,
+        check=False,
+        timeout=30,
+    )
+    assert result.returncode == -signal.SIGABRT
+    assert "fatal error: interface file MainMenu cannot be loaded from the bundle" in result.stderr
+    assert machine.journal() == []

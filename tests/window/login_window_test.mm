@@ -169,6 +169,21 @@ TEST_F(LoginWindow, ClosedByItsTitleBarLeavesTheProgramRunning) {
       [delegate respondsToSelector:@selector(applicationShouldTerminateAfterLastWindowClosed:)]);
 }
 
+TEST_F(LoginWindow, IsHeldByTheDelegateAsLongAsThatLives) {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 10, 10)
+                                                 styleMask:NSWindowStyleMaskTitled
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:YES];
+  const NSUInteger owners = [window retainCount];
+  AppDelegate *delegate = [[AppDelegate alloc] init];
+  [delegate setWindow:window];
+  [delegate setWindow:window];
+  EXPECT_EQ([window retainCount], owners + 1);
+  [delegate release];
+  EXPECT_EQ([window retainCount], owners);
+  [window release];
+}
+
 using LoginWindowDeathTest = LoginWindow;
 
 TEST_F(LoginWindowDeathTest, EndsTheProgramWithStatus0ByQuit) {

@@ -321,6 +321,20 @@ TEST_F(SettingsWindow, ClosedByItsTitleBarLeavesTheProgramRunning) {
   EXPECT_TRUE([[controller window] isVisible]);
 }
 
+TEST_F(SettingsWindow, HasTheDefaultPortHoweverItsControllerIsMade) {
+  NSMutableData *archive = [NSMutableData data];
+  NSKeyedArchiver *archiver =
+      [[[NSKeyedArchiver alloc] initForWritingWithMutableData:archive] autorelease];
+  [archiver finishEncoding];
+  NSCoder *coder = [[[NSKeyedUnarchiver alloc] initForReadingWithData:archive] autorelease];
+  for (ServerWindowController *controller : {[[ServerWindowController alloc] init],
+                                             [[ServerWindowController alloc] initWithCoder:coder],
+                                             [[ServerWindowController alloc] initWithWindow:nil]}) {
+    EXPECT_EQ(app::utf8([controller valueForKey:@"defaultPort"]), "6000");
+    [controller release];
+  }
+}
+
 using SettingsWindowDeathTest = SettingsWindow;
 
 TEST_F(SettingsWindowDeathTest, EndsTheProgramWithStatus0ByQuit) {
