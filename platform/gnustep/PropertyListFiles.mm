@@ -8,6 +8,16 @@
 
 namespace {
 
+/// The XML parser takes "\U0041" for an A, where macOS takes it as it stands.
+std::string withBackslashesKept(std::string_view xml) {
+  std::string kept;
+  for (std::size_t i = 0; i < xml.size(); ++i) {
+    kept += xml[i];
+    if (xml.substr(i, 2) == "\\U") kept += "U005c";
+  }
+  return kept;
+}
+
 /// The property list in `bytes`; nil when there is none. May raise.
 id propertyList(std::string bytes) {
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);  // byte order mark
@@ -20,6 +30,7 @@ id propertyList(std::string bytes) {
                                              encoding:NSUTF8StringEncoding] autorelease];
     if (text == nil || *form == platform::PropertyListForm::kText) return [text propertyList];
     bytes.erase(0, bytes.find('<'));
+    bytes = withBackslashesKept(bytes);
     if (!bytes.starts_with("<?xml")) bytes.insert(0, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
   }
   return [NSPropertyListSerialization propertyListWithData:[NSData dataWithBytes:bytes.data()

@@ -135,7 +135,8 @@ std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
     if (!isHarmlessXML(bytes)) return std::nullopt;
     return PropertyListForm::kXML;
   }
-  if (!isHarmlessText(bytes)) return std::nullopt;
+  // No dictionary in text form starts so, and some that do are read beyond their end.
+  if (bytes.starts_with('<') || !isHarmlessText(bytes)) return std::nullopt;
   return PropertyListForm::kText;
 }
 

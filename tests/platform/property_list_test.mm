@@ -113,6 +113,14 @@ TEST_F(PropertyListFile, IsReadInTheOldTextForm) {
   EXPECT_TRUE([[list objectForKey:@"server"] isEqual:@"a b"]);
 }
 
+TEST_F(PropertyListFile, KeepsBackslashesOfXMLTexts) {
+  for (const char *text : {"\\U0041", "\\\\U0041\\U0042", "\\u0041", "\\U", "\\n", "\\101"}) {
+    NSDictionary *list = read(kHead + "<plist version=\"1.0\"><dict><key>server</key><string>" +
+                              text + "</string></dict></plist>");
+    EXPECT_STREQ([[list objectForKey:@"server"] UTF8String], text);
+  }
+}
+
 TEST_F(PropertyListFile, FillsMutableDictionariesToo) {
   std::ofstream(path(), std::ios::binary) << kHead + kBody;
   NSString *file = [NSString stringWithUTF8String:path().c_str()];
@@ -173,6 +181,7 @@ TEST_F(PropertyListFile, IsNoDictionaryWhenItHoldsSomethingElse) {
       "{ a = ",
       binaryOf(@"text"),
       binaryOf([NSArray arrayWithObject:@"a"]),
+      "<?ml><",
       "bplist00",
       "bplist00" + std::string(32, '\0'),
       "bplist00" + std::string(32, '\xFF'),

@@ -76,6 +76,12 @@ TEST_F(ServerPlistFile, HoldsTheTextAndReadsBack) {
             (settings::ServerData{.language = "fr", .server = "192.0.2.10", .port = "4000"}));
 }
 
+TEST_F(ServerPlistFile, KeepsABackslash) {
+  const std::string server = R"(files\U0041\n)";
+  EXPECT_EQ(generateAndReturnErrors({.server = server, .port = "4000", .lang = "de"}), "");
+  EXPECT_EQ(settings::getServerData()->server, server);
+}
+
 TEST_F(ServerPlistFile, WithXMLSpecialsIsNoPropertyListAndReadsAsDefaults) {
   EXPECT_EQ(generateAndReturnErrors({.server = "a&b<c", .port = "4000", .lang = "de"}), "");
   EXPECT_EQ(ScratchFolder::read(path_), expectedText("de", "a&b<c", "4000", "false"));
