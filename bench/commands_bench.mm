@@ -3,10 +3,8 @@
 #import <Foundation/Foundation.h>
 
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstdio>

@@ -30,6 +30,13 @@ EXECUTABLES = {"ours": ZENTAVO.program} | {
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
 NEW = server_plist("fr", "192.0.2.1", "4000", False)
 BASH_LINE = ("/bin/bash", "-c")
+LOGIN_PHASES = (
+    "click, password check, group look-up",
+    "interface file, texts, stored settings",
+    "profile command",
+    "showing the window",
+)
+REST = 0.5  # seconds after which a program with its window has nothing more to do
 WRITES_AFTER = "unload -w /Library/LaunchDaemons"  # the last command before the file
 
 
@@ -96,12 +103,12 @@ def in_turns(runs: int, measures: dict) -> dict[str, list]:
 
 
 def memory(pid: int) -> tuple[int, int]:
-    """Peak and private memory of a process in kB."""
+    """Peak memory of a process, and what it alone has written, in kB."""
     status = Path(f"/proc/{pid}/status").read_text()
     rollup = Path(f"/proc/{pid}/smaps_rollup").read_text()
     peak = int(re.search(r"^VmHWM:\s+(\d+)", status, re.MULTILINE)[1])
-    private = re.findall(r"^Private_(?:Clean|Dirty):\s+(\d+)", rollup, re.MULTILINE)
-    return peak, sum(map(int, private))
+    private = int(re.search(r"^Private_Dirty:\s+(\d+)", rollup, re.MULTILINE)[1])
+    return peak, private
 
 
 def measure_start(bench: Bench, runs: int) -> tuple[dict, dict]:
@@ -114,9 +121,9 @@ def measure_start(bench: Bench, runs: int) -> tuple[dict, dict]:
         began = time.monotonic()
         with bench.spawn(EXECUTABLES[name]) as process:
             shown = bench.observer.wait_for_window((round(login.width), round(login.height)))
-            if len(used[name]) < 5:
-                time.sleep(1)
-                used[name].append(memory(process.pid))
+            # Killed while it still starts, it would leave a lock that the next one waits for.
+            time.sleep(REST)
+            used[name].append(memory(process.pid))
             process.kill()
         return shown - began
 
@@ -131,36 +138,38 @@ def measure_login(bench: Bench, runs: int) -> dict[str, list[float]]:
     settings = Interface("ServerWindowController", resources)
     size = (round(settings.width), round(settings.height))
 
-    def log_in() -> dict[str, float]:
+    def log_in() -> list[float]:
+        """The moments between which the phases lie."""
         bench.reset()
         program = bench.program()
-        window = program.login_window()
-        window.click("username")
-        window.type(ALICE.name)
-        window.press("Tab")
-        window.type(ALICE.password)
-        bench.display.xdotool("mousemove", *window.place("OkButton"))
-        bench.observer.forget()
-        interface_file = FileWatch(resources / "ServerWindowController.xib", IN_OPEN)
-        journal = FileWatch(STATE / "journal", IN_MODIFY)
         try:
-            times = [bench.observer.click(), interface_file.wait(), journal.wait()]
-            times.append(end_of(bench.machine.records()[0]["pid"]))
-            times.append(bench.observer.wait_for_window(size))
-        except ProcessLookupError:  # seen too late: the command has already ended
-            return log_in()
+            window = program.login_window()
+            window.click("username")
+            window.type(ALICE.name)
+            window.press("Tab")
+            window.type(ALICE.password)
+            bench.display.xdotool("mousemove", *window.place("OkButton"))
+            bench.observer.forget()
+            interface_file = FileWatch(resources / "ServerWindowController.xib", IN_OPEN)
+            journal = FileWatch(STATE / "journal", IN_MODIFY)
+            moments = [bench.observer.click(), interface_file.wait(), journal.wait()]
+            moments.append(end_of(bench.machine.records()[0]["pid"]))
+            return [*moments, bench.observer.wait_for_window(size)]
         finally:
             program.kill()
-        phases = (
-            "click, password check, group look-up",
-            "interface file, texts, stored settings",
-            "profile command",
-            "showing the window",
-        )
-        return {phase: times[i + 1] - times[i] for i, phase in enumerate(phases)}
 
-    logins = in_turns(runs, {"login": log_in})["login"]
-    return {phase: [login[phase] for login in logins] for phase in logins[0]}
+    def log_in_seen() -> list[float]:
+        while True:
+            try:
+                return log_in()
+            except ProcessLookupError:
+                pass  # looked too late: the command had already ended
+
+    logins = in_turns(runs, {"login": log_in_seen})["login"]
+    return {
+        phase: [moments[i + 1] - moments[i] for moments in logins]
+        for i, phase in enumerate(LOGIN_PHASES)
+    }
 
 
 def click_to_end(bench: Bench, button: str) -> float:

@@ -10,33 +10,38 @@ NO_LIMIT = None
 
 
 class Row(NamedTuple):
-    """One comparison. Without a ratio the values are only stated."""
+    """One comparison."""
 
     what: str
     ours: str
     beside: str
-    ratio: float | None
+    ratio: float
     limit: float | None
+    can_be_met: bool = True
 
     @property
-    def is_met(self) -> bool:
-        return self.limit is None or self.ratio <= self.limit
+    def is_missed(self) -> bool:
+        return self.limit is not None and self.can_be_met and self.ratio > self.limit
 
     def __str__(self) -> str:
-        ratio = "" if self.ratio is None else f"{self.ratio:.3f}"
-        limit = "" if self.limit is None else f"{self.limit:.2f}" + ("" if self.is_met else " missed")
-        return f"| {self.what} | {self.ours} | {self.beside} | {ratio} | {limit} |"
+        limit = "" if self.limit is None else f"{self.limit:.2f}"
+        limit += " missed" if self.is_missed else "" if self.can_be_met else " cannot be met"
+        return f"| {self.what} | {self.ours} | {self.beside} | {self.ratio:.3f} | {limit} |"
 
 
-def compare(what: str, ours: list, name: str, beside: list, limit: float | None, unit) -> Row:
-    """The ratio is the median of the ratios turn by turn, which a machine that slows down or speeds
-    up meanwhile does not change."""
-    ratio = median(one / other for one, other in zip(ours, beside))
-    return Row(what, unit(median(ours)), f"{name}: {unit(median(beside))}", ratio, limit)
+def ratio_by_turns(ours: list, beside: list) -> float:
+    """The median of the ratios turn by turn, which a machine that slows down or speeds up meanwhile
+    does not change."""
+    return median(one / other for one, other in zip(ours, beside))
+
+
+def compare(what: str, ours: list, title: str, beside: list, limit: float | None, unit) -> Row:
+    ratio = ratio_by_turns(ours, beside)
+    return Row(what, unit(median(ours)), f"{title}: {unit(median(beside))}", ratio, limit)
 
 
 def milliseconds(seconds: float) -> str:
-    return f"{seconds * 1000:.1f} ms" if seconds < 1 else f"{seconds * 1000:.0f} ms"
+    return f"{seconds * 1000:.1f} ms"
 
 
 def kilobytes(size: float) -> str:
@@ -48,59 +53,74 @@ def megabytes(kilobytes: float) -> str:
 
 
 def command_rows(benchmarks: list[dict]) -> list[Row]:
-    """Runs of `/bin/bash -c true`; each repetition is a turn."""
-    names = {run["run_name"].split("/iterations")[0] for run in benchmarks}
-    seconds = {
-        name: [
-            run["real_time"] / 1e9
-            for run in sorted(benchmarks, key=lambda run: run.get("repetition_index", -1))
-            if run["run_type"] == "iteration" and run["run_name"].split("/iterations")[0] == name
-        ]
-        for name in names
+    """Runs of `/bin/bash -c true`. They are shuffled, so there are no turns; medians have to do."""
+    medians = {
+        run["run_name"].split("/iterations")[0]: run["real_time"] / 1e9
+        for run in benchmarks
+        if run.get("aggregate_name") == "median"
     }
     rows = []
     for mode in ("status", "capture"):
-        ours, what = seconds[f"runCommand/{mode}"], f"`runShellCommand`, {mode}"
-        rows.append(compare(what, ours, "bare `posix_spawn`", seconds["bareSpawn"], 1.05, milliseconds))
-        for name, title in (("popenAndRead", "`popen`"), ("system", "`system`"), ("taskClass", "`NSTask`")):
-            rows.append(compare(what, ours, title, seconds[name], NO_LIMIT, milliseconds))
+        ours = medians[f"runCommand/{mode}"]
+        for name, title, limit in (
+            ("bareSpawn", "bare `posix_spawn`", 1.05),
+            ("popenAndRead", "`popen`", NO_LIMIT),
+            ("system", "`system`", NO_LIMIT),
+            ("taskClass", "`NSTask`", NO_LIMIT),
+        ):
+            what, beside = f"`runShellCommand`, {mode}", medians[name]
+            rows.append(compare(what, [ours], title, [beside], limit, milliseconds))
     return rows
 
 
-def sizes(program: Path) -> tuple[float, float]:
-    """An executable without its symbols, and the whole bundle with that, in kB."""
+def start_rows(start: dict, used: dict) -> list[Row]:
+    rows = []
+    for title, limit in (("One Window", 1.10), ("No Menu", NO_LIMIT), ("Code Window", NO_LIMIT)):
+        what, beside = "start to login window", start[title]
+        rows.append(compare(what, start["ours"], title, beside, limit, milliseconds))
+    for i, what in enumerate(("peak memory", "private memory")):
+        ours, beside = ([use[i] for use in used[name]] for name in ("ours", "One Window"))
+        rows.append(compare(what, ours, "One Window", beside, 1.10, megabytes))
+    return rows
+
+
+def apply_rows(applied: dict) -> list[Row]:
+    what, ours = "Apply, click to exit", applied["ours"]
+    shells, plain = applied["shells"], applied["plain"]
+    quit_rows = applied["quit"], "empty script", applied["empty"]
+    return [
+        compare(what, ours, "script, `bash -c` for each line", shells, 1.05, milliseconds),
+        compare(what, ours, "script of the bare lines", plain, 1.05, milliseconds)._replace(
+            can_be_met=False
+        ),
+        compare("Quit, click to exit", *quit_rows, NO_LIMIT, milliseconds),
+    ]
+
+
+def sizes(program: Path) -> tuple[float, ...]:
+    """An executable as built, without its symbols, and the whole bundle with that; in kB."""
     with tempfile.NamedTemporaryFile() as stripped:
         subprocess.run(["strip", "-o", stripped.name, program], check=True)
         executable = Path(stripped.name).stat().st_size
     others = [file for file in program.parent.rglob("*") if file.is_file() and file != program]
-    return executable / 1024, (executable + sum(file.stat().st_size for file in others)) / 1024
+    bundle = executable + sum(file.stat().st_size for file in others)
+    return tuple(size / 1024 for size in (program.stat().st_size, executable, bundle))
 
 
 def size_rows(ours: Path, beside: Path) -> list[Row]:
-    rows = zip(("executable, stripped", "bundle with it"), sizes(ours), sizes(beside))
+    whats = ("executable, as built", "executable, stripped", "bundle with the stripped one")
+    rows = zip(whats, sizes(ours), sizes(beside))
     return [compare(what, [a], beside.name, [b], NO_LIMIT, kilobytes) for what, a, b in rows]
 
 
 def print_table(executables, commands, start, used, login, applied) -> bool:
     """Whether every limit is met."""
-    rows = command_rows(commands)
-    for title, limit in (("One Window", 1.10), ("No Menu", NO_LIMIT), ("Code Window", NO_LIMIT)):
-        rows.append(compare("start to login window", start["ours"], title, start[title], limit, milliseconds))
-    for i, what in enumerate(("peak memory", "private memory")):
-        ours, beside = ([use[i] for use in used[name]] for name in ("ours", "One Window"))
-        rows.append(compare(what, ours, "One Window", beside, 1.10, megabytes))
-    for name, title, limit in (
-        ("shells", "script, `bash -c` for each line", 1.05),
-        ("plain", "script of the bare lines", NO_LIMIT),
-    ):
-        rows.append(compare("Apply, click to exit", applied["ours"], title, applied[name], limit, milliseconds))
-    rows.append(compare("Quit, click to exit", applied["quit"], "empty script", applied["empty"], NO_LIMIT, milliseconds))
+    rows = command_rows(commands) + start_rows(start, used) + apply_rows(applied)
     rows += size_rows(executables["ours"], executables["One Window"])
-
     print("| what | ours | beside | ratio | limit |\n|---|---|---|---|---|")
     print("\n".join(map(str, rows)))
     print("\n| from the click on OK in the login window | takes |\n|---|---|")
     for phase, seconds in login.items():
         print(f"| {phase} | {milliseconds(median(seconds))} |")
     print(f"| in all | {milliseconds(median(map(sum, zip(*login.values()))))} |")
-    return all(row.is_met for row in rows)
+    return not any(row.is_missed for row in rows)
