@@ -7,6 +7,7 @@ all alike.
 import argparse
 import json
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -202,15 +203,11 @@ def write_script(file: Path, lines: list[str], shell_per_line: bool) -> None:
     """A plain script that does what Apply did."""
     text = []
     for line in lines:
-        text.append(f"/bin/bash -c {quoted(line)}" if shell_per_line else line)
+        text.append(f"/bin/bash -c {shlex.quote(line)}" if shell_per_line else line)
         if WRITES_AFTER in line:
-            text.append(f"printf %s {quoted(NEW.decode())} > {SERVER_PLIST}")
+            text.append(f"printf %s {shlex.quote(NEW.decode())} > {SERVER_PLIST}")
     file.write_text("\n".join(text) + "\n")
     file.chmod(0o644)
-
-
-def quoted(text: str) -> str:
-    return "'" + text.replace("'", "'\\''") + "'"
 
 
 def run_script(bench: Bench, file: Path) -> float:
