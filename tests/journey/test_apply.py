@@ -149,49 +149,28 @@ FAULTS = {"exits 1": {"exit": 1}, "killed": {"signal": 9}}
 
 @pytest.mark.parametrize("fault", FAULTS.values(), ids=FAULTS.keys())
 @pytest.mark.parametrize(
-    ("operation", "part", "job"),
-    [(stop_agent, "LaunchAgents", AGENT), (stop_daemon, "LaunchDaemons", DAEMON)],
-    ids=["agent", "daemon"],
+    ("operation", "part", "needless", "loaded"),
+    [
+        (stop_agent, "unload -w /Library/LaunchAgents", start_agent, {AGENT, DAEMON}),
+        (stop_daemon, "unload -w /Library/LaunchDaemons", start_daemon, {AGENT, DAEMON}),
+        (start_daemon, "load -w /Library/LaunchDaemons", None, {AGENT}),
+        (start_agent, "load -w /Library/LaunchAgents", None, {DAEMON}),
+    ],
+    ids=["stop agent", "stop daemon", "start daemon", "start agent"],
 )
-def test_a_job_that_does_not_stop_is_left_running_and_the_rest_is_done(
-    machine, start, operation, part, job, fault
+def test_a_job_that_does_not_stop_or_start_is_reported_and_the_rest_is_done(
+    machine, start, operation, part, needless, loaded, fault
 ):
     machine.load(AGENT, DAEMON)
-    machine.order("launchctl", f"^/bin/launchctl unload -w /Library/{part}", **fault)
+    machine.order("launchctl", f"^/bin/launchctl {part}", **fault)
     program = apply_once(start)
-    other, start_other = (
-        (stop_daemon, start_daemon) if operation is stop_agent else (stop_agent, start_agent)
-    )
-    assert machine.journal() == sequence(starts=[start_other])
-    outcomes = {operation: FAILED[operation], other: SAID[other]}
-    assert program.output.splitlines()[1:] == [
-        outcomes[stop_agent],
-        outcomes[stop_daemon],
-        SAID[start_other],
-    ]
-    assert SERVER_PLIST.read_bytes() == NEW
-    assert machine.loaded() == {AGENT, DAEMON}
-
-
-@pytest.mark.parametrize("fault", FAULTS.values(), ids=FAULTS.keys())
-@pytest.mark.parametrize(
-    ("operation", "part", "job"),
-    [(start_agent, "LaunchAgents", AGENT), (start_daemon, "LaunchDaemons", DAEMON)],
-    ids=["agent", "daemon"],
-)
-def test_a_job_that_does_not_start_is_reported_and_the_rest_is_done(
-    machine, start, operation, part, job, fault
-):
-    machine.load(AGENT, DAEMON)
-    machine.order("launchctl", f"^/bin/launchctl load -w /Library/{part}", **fault)
-    program = apply_once(start)
-    assert machine.journal() == sequence()
+    starts = [step for step in (start_daemon, start_agent) if step is not needless]
+    assert machine.journal() == sequence(starts=starts)
     outcomes = {**SAID, operation: FAILED[operation]}
-    assert program.output.splitlines()[1:] == [
-        outcomes[step] for step in (stop_agent, stop_daemon, start_daemon, start_agent)
-    ]
+    steps = (stop_agent, stop_daemon, *starts)
+    assert program.output.splitlines()[1:] == [outcomes[step] for step in steps]
     assert SERVER_PLIST.read_bytes() == NEW
-    assert machine.loaded() == {AGENT, DAEMON} - {job}
+    assert machine.loaded() == loaded
 
 
 def test_files_that_cannot_be_deleted_and_an_agent_that_fails_do_not_stop_the_sequence(
