@@ -96,9 +96,24 @@ bool hasFewOf(std::string_view marks, std::ptrdiff_t limit, std::string_view byt
   return std::count_if(bytes.begin(), bytes.end(), isMark) <= limit;
 }
 
+/// Whether each "&#" begins a character's number in full. For a number without digits the parser
+/// takes whatever its memory holds.
+bool hasWholeNumbers(std::string_view bytes) {
+  for (auto at = bytes.find("&#"); at != std::string_view::npos; at = bytes.find("&#", at + 2)) {
+    std::string_view rest = bytes.substr(at + 2);
+    const bool isHexadecimal = rest.starts_with('x');
+    if (isHexadecimal) rest.remove_prefix(1);
+    const auto digits =
+        rest.find_first_not_of(isHexadecimal ? "0123456789abcdefABCDEF" : "0123456789");
+    if (digits == 0 || digits > 7 || rest[digits] != ';') return false;
+  }
+  return true;
+}
+
 bool isHarmlessXML(std::string_view bytes) {
   // A text cut inside a value lets the parser write to standard error.
-  return bytes[bytes.find_last_not_of(" \t\r\n")] == '>' && hasFewOf("<", 50000, bytes);
+  return bytes[bytes.find_last_not_of(" \t\r\n")] == '>' && hasFewOf("<", 50000, bytes) &&
+         hasWholeNumbers(bytes);
 }
 
 bool isHarmlessText(std::string_view bytes) { return hasFewOf("{(", 5000, bytes); }

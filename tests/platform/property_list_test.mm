@@ -93,6 +93,11 @@ std::string binary(const std::vector<std::string> &objects, char referenceSize =
          bigEndian(objects.size(), 8) + bigEndian(0, 8) + bigEndian(table, 8);
 }
 
+std::string listWithServer(const std::string &text) {
+  return kHead + "<plist version=\"1.0\"><dict><key>server</key><string>" + text +
+         "</string></dict></plist>";
+}
+
 std::string repeated(const std::string &text, int count) {
   std::string result;
   for (int i = 0; i < count; ++i) result += text;
@@ -115,9 +120,15 @@ TEST_F(PropertyListFile, IsReadInTheOldTextForm) {
 
 TEST_F(PropertyListFile, KeepsBackslashesOfXMLTexts) {
   for (const char *text : {"\\U0041", "\\\\U0041\\U0042", "\\u0041", "\\U", "\\n", "\\101"}) {
-    NSDictionary *list = read(kHead + "<plist version=\"1.0\"><dict><key>server</key><string>" +
-                              text + "</string></dict></plist>");
-    EXPECT_STREQ([[list objectForKey:@"server"] UTF8String], text);
+    EXPECT_STREQ([[read(listWithServer(text)) objectForKey:@"server"] UTF8String], text);
+  }
+}
+
+TEST_F(PropertyListFile, TakesNumbersForCharactersOnlyInFull) {
+  NSDictionary *list = read(listWithServer("&#65;&#x42;&#x1F600;"));
+  EXPECT_STREQ([[list objectForKey:@"server"] UTF8String], "AB\xF0\x9F\x98\x80");
+  for (const char *text : {"&#;", "&#x;", "&#65", "&#6G;", "&#xG;", "&#x12345678;"}) {
+    EXPECT_TRUE(read(listWithServer(text)) == nil) << text;
   }
 }
 
