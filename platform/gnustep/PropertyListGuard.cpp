@@ -13,6 +13,7 @@ namespace platform {
 namespace {
 
 constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;
+
 /// Follows the containers of a binary list. Objects can be shared, so that a few bytes may describe
 /// a tree without end; the number of steps is limited instead of the number of objects.
 class BinaryWalk {
