@@ -33,7 +33,7 @@ def selector(declaration):
 class Row:
     """One line of the list."""
 
-    library: str
+    dylib: str
     introduced: str
     deprecated: str
     declaration: str
@@ -90,7 +90,7 @@ def read(path=TABLE):
 
 def install_names(rows):
     """Library -> the path under which macOS has it."""
-    return {r.library: r.declaration.split()[1] for r in rows if r.kind == "install-name"}
+    return {r.dylib: r.declaration.split()[1] for r in rows if r.kind == "install-name"}
 
 
 def symbols(rows):
@@ -118,11 +118,11 @@ def attributes(row):
     return "" if row.extends else f"{root}{availability(row)} "
 
 
-def header(library, rows):
+def header(dylib, rows):
     """The text of the library's header."""
-    mine = [r for r in rows if r.library == library]
+    mine = [r for r in rows if r.dylib == dylib]
     classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
-    lines = ["#pragma once", *(f"#import <{name}>" for name in IMPORTS[library])]
+    lines = ["#pragma once", *(f"#import <{name}>" for name in IMPORTS[dylib])]
     lines += [f"@class {name};" for name in classes]
     open_block = False
     for row in mine:
@@ -147,9 +147,9 @@ def header(library, rows):
     return "\n".join(lines + (["@end"] if open_block else [])) + "\n"
 
 
-def stub(library, rows, wanted=()):
+def stub(dylib, rows, wanted=()):
     """The text of the library's link stub. A row that ends in * stands for what is wanted of it."""
-    mine = [r for r in rows if r.library == library]
+    mine = [r for r in rows if r.dylib == dylib]
     classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
     plain = [n for n, r in symbols(mine).items() if not n.startswith("_OBJC_")]
     names = [n for n in plain if not n.endswith("*")]
@@ -157,32 +157,32 @@ def stub(library, rows, wanted=()):
         names += [w for w in wanted if w.startswith(prefix)]
     quoted = ", ".join(f"'{n}'" for n in sorted(set(names)))
     lines = ["--- !tapi-tbd", "tbd-version: 4", f"targets: {TARGETS}",
-             f"install-name: '{install_names(rows)[library]}'", "exports:",
+             f"install-name: '{install_names(rows)[dylib]}'", "exports:",
              f"  - targets: {TARGETS}", f"    symbols: [ {quoted} ]"]
     if classes:
         lines.append(f"    objc-classes: [ {', '.join(classes)} ]")
     return "\n".join(lines + ["..."]) + "\n"
 
 
-def place(folder, library, rows):
+def place(folder, dylib, rows):
     """Where below a folder the library has its stub, as macOS has it below /."""
-    path = folder / install_names(rows)[library].lstrip("/")
-    if library + ".framework" in path.parts:
-        return path.parents[2] / f"{library}.tbd"
-    return path.with_name(f"{library}.tbd")
+    path = folder / install_names(rows)[dylib].lstrip("/")
+    if dylib + ".framework" in path.parts:
+        return path.parents[2] / f"{dylib}.tbd"
+    return path.with_name(f"{dylib}.tbd")
 
 
 def write_headers(folder, rows):
-    for library in IMPORTS:
-        if library in install_names(rows):
-            framework = place(folder, library, rows).parent / "Headers" / f"{library}.h"
-            file = folder / "usr/include/objc/NSObject.h" if library == "libobjc" else framework
-            write(file, header(library, rows))
+    for dylib in IMPORTS:
+        if dylib in install_names(rows):
+            framework = place(folder, dylib, rows).parent / "Headers" / f"{dylib}.h"
+            file = folder / "usr/include/objc/NSObject.h" if dylib == "libobjc" else framework
+            write(file, header(dylib, rows))
 
 
 def write_stubs(folder, rows, wanted=()):
-    for library in install_names(rows):
-        write(place(folder, library, rows), stub(library, rows, wanted))
+    for dylib in install_names(rows):
+        write(place(folder, dylib, rows), stub(dylib, rows, wanted))
 
 
 def write(file, text):

@@ -142,8 +142,8 @@ class Checks:
         """only the system's libraries, by their real names"""
         known = set(api.install_names(self.rows).values())
         for bundle, part in self.slices:
-            for library in sorted(set(part.libraries) - known):
-                yield f"{bundle.title} ({part.architecture}): loads {library}"
+            for dylib in sorted(set(part.libraries) - known):
+                yield f"{bundle.title} ({part.architecture}): loads {dylib}"
 
     def check_minimum_system(self):
         """minimum system as the property list states"""
@@ -161,8 +161,8 @@ class Checks:
                 where = f"{bundle.title} ({part.architecture}): {symbol.name}"
                 if row is None:
                     yield f"{where} is not listed"
-                elif symbol.library != row.library:
-                    yield f"{where} comes from {symbol.library}, listed for {row.library}"
+                elif symbol.dylib != row.dylib:
+                    yield f"{where} comes from {symbol.dylib}, listed for {row.dylib}"
                 elif not symbol.weak and (api.version(row.introduced)
                                           > api.version(bundle.minimum(part.architecture))):
                     yield f"{where} came with macOS {row.introduced}"
@@ -226,14 +226,14 @@ class Checks:
                 continue
             if row.kind == "method":
                 # The compiler turns some messages to the root class into calls of the runtime.
-                used = row.name in called or row.library == "libobjc" and row.name in words
+                used = row.name in called or row.dylib == "libobjc" and row.name in words
             elif row.kind in ("symbol", "extern"):
                 used = "_" + row.name in undefined
             else:
                 others = " ".join(r.declaration for r in self.rows if r is not row)
                 used = any(n in words or re.search(rf"\b{n}\b", others) for n in row.defines)
             if not used:
-                yield f"{row.library}: nothing uses {row.declaration}"
+                yield f"{row.dylib}: nothing uses {row.declaration}"
 
 
 def icon_types(path):

@@ -34,7 +34,7 @@ class Undefined:
     """A symbol that another library must supply."""
 
     name: str
-    library: str
+    dylib: str
     weak: bool
 
 
@@ -72,7 +72,7 @@ class Slice:
         """What other libraries must supply, but for dyld_stub_binder, which the linker adds itself."""
         pattern = re.compile(r"\(undefined\) (weak )?external (\S+)(?: \(from (\S+)\))?")
         found = pattern.findall(tool("nm", "--undefined-only", "-m", self.path))
-        return [Undefined(name, library, bool(weak)) for weak, name, library in found
+        return [Undefined(name, dylib, bool(weak)) for weak, name, dylib in found
                 if name.startswith("_")]
 
     @cached_property
