@@ -1,10 +1,29 @@
 #include "agent/launchd_jobs.h"
 
+#include <string_view>
+
+#include "agent/command_prefix.h"
 #include "agent/shell.h"
-#include "app/console.h"
+#include "app/diagnostics.h"
 
 namespace agent {
 namespace {
+
+// The job files of the two jobs, as the last word of a command.
+constexpr std::string_view kUnloadAgent =
+    "/bin/launchctl unload -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist";
+constexpr std::string_view kLoadAgent =
+    "/bin/launchctl load -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist";
+constexpr std::string_view kUnloadDaemon =
+    "/bin/launchctl unload -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
+constexpr std::string_view kLoadDaemon =
+    "/bin/launchctl load -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
+
+// The two spaces in the first command and the one in the second are required.
+constexpr std::string_view kListAgent =
+    "/bin/launchctl list com.quorvix.SystemAgentUX  &> /dev/null";
+constexpr std::string_view kListDaemon =
+    "/bin/launchctl list com.quorvix.SystemAgentDaemon &> /dev/null";
 
 std::string capture(const std::string &command) {
   return runShellCommand(kBash, command, ShellMode::Capture).text;
@@ -16,65 +35,33 @@ bool succeeds(const std::string &command) {
 
 }  // namespace
 
-std::string getloggedInUserCommand() {
-  return "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser";
+// Differs from the lookup of the administrator check (app/local_admin) only in discarding stat's
+// messages. Both command lines are required as they are.
+std::string getloggedInUser() {
+  return capture("loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser");
 }
 
-std::string getloggedInUIDCommand(const std::string &user) {
-  return "loggedInUID=$(id -u \"" + user + "\"); echo $loggedInUID";
+std::string getloggedInUID(const std::string &user) {
+  return capture("loggedInUID=$(id -u \"" + user + "\"); echo $loggedInUID");
 }
-
-std::string checkGlobalAgentCommand(const ConsoleUser &console) {
-  return asConsoleUser(console, "/bin/launchctl list com.quorvix.SystemAgentUX  &> /dev/null");
-}
-
-std::string stopGlobalAgentCommand(const ConsoleUser &console) {
-  return asConsoleUser(
-      console, "/bin/launchctl unload -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist");
-}
-
-std::string startGlobalAgentCommand(const ConsoleUser &console) {
-  return asConsoleUser(
-      console, "/bin/launchctl load -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist");
-}
-
-std::string checkGlobalDaemonCommand(const Credentials &administrator) {
-  return asRoot(administrator, "/bin/launchctl list com.quorvix.SystemAgentDaemon &> /dev/null");
-}
-
-std::string stopGlobalDaemonCommand(const Credentials &administrator) {
-  return asRoot(
-      administrator,
-      "/bin/launchctl unload -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist");
-}
-
-std::string startGlobalDaemonCommand(const Credentials &administrator) {
-  return asRoot(
-      administrator,
-      "/bin/launchctl load -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist");
-}
-
-std::string getloggedInUser() { return capture(getloggedInUserCommand()); }
-
-std::string getloggedInUID(const std::string &user) { return capture(getloggedInUIDCommand(user)); }
 
 bool checkGlobalAgent(const ConsoleUser &console) {
-  return succeeds(checkGlobalAgentCommand(console));
+  return succeeds(asConsoleUser(console, kListAgent));
 }
 
 bool checkGlobalDaemon(const Credentials &administrator) {
-  return succeeds(checkGlobalDaemonCommand(administrator));
+  return succeeds(asRoot(administrator, kListDaemon));
 }
 
-// The remarks differ in grammar between the jobs; whoever reads the output knows them as they are.
+// The status messages differ in grammar between the jobs. Required: people and scripts match them.
 
 void stopGlobalAgent(const ConsoleUser &console) {
-  app::printLine(succeeds(stopGlobalAgentCommand(console)) ? "Global Agent stop successfully."
-                                                           : "Global Agent failed to stop.");
+  app::printLine(succeeds(asConsoleUser(console, kUnloadAgent)) ? "Global Agent stop successfully."
+                                                                : "Global Agent failed to stop.");
 }
 
 void startGlobalAgent(const ConsoleUser &console, bool waitexit) {
-  const std::string command = startGlobalAgentCommand(console);
+  const std::string command = asConsoleUser(console, kLoadAgent);
   if (!waitexit) {
     runShellCommand(kBash, command, ShellMode::LaunchOnly);
     app::printLine("Global Agent started.");
@@ -85,15 +72,14 @@ void startGlobalAgent(const ConsoleUser &console, bool waitexit) {
 }
 
 void stopGlobalDaemon(const Credentials &administrator) {
-  app::printLine(succeeds(stopGlobalDaemonCommand(administrator))
+  app::printLine(succeeds(asRoot(administrator, kUnloadDaemon))
                      ? "Global Daemon stops successfully."
                      : "Global Daemon failed to stop.");
 }
 
 void startGlobalDaemon(const Credentials &administrator) {
-  app::printLine(succeeds(startGlobalDaemonCommand(administrator))
-                     ? "Global Daemon starts successfully."
-                     : "Global Daemon failed to start.");
+  app::printLine(succeeds(asRoot(administrator, kLoadDaemon)) ? "Global Daemon starts successfully."
+                                                              : "Global Daemon failed to start.");
 }
 
 }  // namespace agent

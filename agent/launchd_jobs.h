@@ -2,22 +2,12 @@
 
 #include <string>
 
-#include "agent/prefixes.h"
+#include "agent/accounts.h"
 
 /// The agent's two launchd jobs: the system-wide daemon, driven as root with the administrator's
 /// credentials, and the per-user agent in the console user's domain. The same in every edition.
 /// Every operation runs one command and blocks until it has ended; nothing is remembered.
 namespace agent {
-
-/// The command lines, as text.
-std::string getloggedInUserCommand();
-std::string getloggedInUIDCommand(const std::string &user);
-std::string checkGlobalAgentCommand(const ConsoleUser &console);
-std::string stopGlobalAgentCommand(const ConsoleUser &console);
-std::string startGlobalAgentCommand(const ConsoleUser &console);
-std::string checkGlobalDaemonCommand(const Credentials &administrator);
-std::string stopGlobalDaemonCommand(const Credentials &administrator);
-std::string startGlobalDaemonCommand(const Credentials &administrator);
 
 /// Short name of the user who owns the console, as printed, with its line end.
 std::string getloggedInUser();

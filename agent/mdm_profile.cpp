@@ -1,20 +1,21 @@
 #include "agent/mdm_profile.h"
 
+#include <string>
+
+#include "agent/command_prefix.h"
 #include "agent/shell.h"
 #include "app/edition.h"
 
 namespace agent {
 
-std::string checkMDMProfileCommand(std::string_view oem, const Credentials &administrator) {
-  return asRoot(administrator, "/usr/bin/sudo /usr/bin/profiles list |  grep " +
-                                   std::string(app::editionOrDefault(oem).profileIdentifier));
-}
-
 bool checkMDMProfile(std::string_view oem, const Credentials &administrator) {
-  const std::string listing =
-      runShellCommand(kSh, checkMDMProfileCommand(oem, administrator), ShellMode::Capture).text;
-  // grep takes the identifier's dots for any character; only a real occurrence counts.
-  return listing.find(app::editionOrDefault(oem).profileIdentifier) != std::string::npos;
+  const std::string identifier(app::editionOrDefault(oem).profileIdentifier);
+  // The third sudo, the two spaces and /bin/sh, where all other commands use bash, are required.
+  const std::string command =
+      asRoot(administrator, "/usr/bin/sudo /usr/bin/profiles list |  grep " + identifier);
+  const std::string listing = runShellCommand(kSh, command, ShellMode::Capture).text;
+  // To grep the identifier's dots match any character; only a real occurrence counts.
+  return listing.find(identifier) != std::string::npos;
 }
 
 }  // namespace agent

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
-#include "agent/prefixes.h"
+#include "agent/accounts.h"
 
 namespace agent {
-
-std::string checkMDMProfileCommand(std::string_view oem, const Credentials &administrator);
 
 /// Whether the listing of installed profiles names the edition's bundle identifier, also as the
 /// beginning of a longer one. An unknown `oem` takes the first edition's identifier. Every failure,

@@ -14,7 +14,7 @@
 #include <memory>
 
 #include "agent/utf8.h"
-#include "app/console.h"
+#include "app/diagnostics.h"
 #include "app/error_log.h"
 
 // POSIX leaves the declaration to the program; glibc has one all the same.
@@ -23,7 +23,7 @@ extern char **environ;  // NOLINT(readability-redundant-declaration)
 namespace agent {
 namespace {
 
-constexpr int kNotStarted = 127;
+constexpr int kShellNotStarted = 127;
 
 /// Owns one end of a pipe.
 class Descriptor {
@@ -44,9 +44,9 @@ class Descriptor {
 };
 
 /// How the child is to be started: attributes and what its standard streams are connected to.
-class SpawnPlan {
+class SpawnRequest {
  public:
-  SpawnPlan() {
+  SpawnRequest() {
     ::posix_spawnattr_init(&attributes_);
     ::posix_spawn_file_actions_init(&actions_);
     sigset_t every;
@@ -57,12 +57,12 @@ class SpawnPlan {
     ::posix_spawnattr_setsigmask(&attributes_, &none);
     ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   }
-  ~SpawnPlan() {
+  ~SpawnRequest() {
     ::posix_spawn_file_actions_destroy(&actions_);
     ::posix_spawnattr_destroy(&attributes_);
   }
-  SpawnPlan(const SpawnPlan &) = delete;
-  SpawnPlan &operator=(const SpawnPlan &) = delete;
+  SpawnRequest(const SpawnRequest &) = delete;
+  SpawnRequest &operator=(const SpawnRequest &) = delete;
 
   void sendOutputTo(int descriptor) {
     ::posix_spawn_file_actions_adddup2(&actions_, descriptor, STDOUT_FILENO);
@@ -83,7 +83,7 @@ class SpawnPlan {
 
 /// The frameworks open files without asking for close-on-exec, and a command may run as root: let
 /// nothing but the standard streams through. "/dev/fd" lists the open descriptors on every system.
-void closeOnExecAboveStandardStreams() {
+void closeNonStandardDescriptorsOnExec() {
   const std::unique_ptr<DIR, int (*)(DIR *)> folder(::opendir("/dev/fd"), ::closedir);
   if (!folder) return;
   while (const dirent *entry = ::readdir(folder.get())) {
@@ -93,7 +93,7 @@ void closeOnExecAboveStandardStreams() {
 }
 
 /// A parent may have had us inherit an ignored SIGCHLD; then the kernel drops exit statuses.
-void keepExitStatuses() {
+void stopIgnoringChildExits() {
   struct sigaction action;
   if (::sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) {
     ::signal(SIGCHLD, SIG_DFL);
@@ -104,7 +104,7 @@ void keepExitStatuses() {
 std::int32_t waitFor(pid_t child) {
   int status = 0;
   while (::waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) return kNotStarted;
+    if (errno != EINTR) return kShellNotStarted;
   }
   return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
 }
@@ -124,7 +124,7 @@ std::string readToEnd(int descriptor) {
 
 /// Starts the shell from a short-lived process in between, so that it is never our child and leaves
 /// no zombie however long we live. 0, or the system's error number.
-int launchDetached(const SpawnPlan &plan, const std::string &shell, const std::string &command) {
+int launchDetached(const SpawnRequest &plan, const std::string &shell, const std::string &command) {
   const pid_t between = ::fork();
   if (between < 0) return errno;
   if (between == 0) {
@@ -136,13 +136,13 @@ int launchDetached(const SpawnPlan &plan, const std::string &shell, const std::s
 
 ShellResult notStarted(const std::string &shell, int error) {
   app::printErrorLog("unable to run " + shell + ": " + std::strerror(error));
-  return {.text = {}, .status = kNotStarted};
+  return {.text = {}, .status = kShellNotStarted};
 }
 
 }  // namespace
 
 ShellResult runShellCommand(const std::string &shell, const std::string &command, ShellMode mode) {
-  SpawnPlan plan;
+  SpawnRequest plan;
   Descriptor readEnd;
   Descriptor writeEnd;
   if (mode == ShellMode::Capture) {
@@ -152,8 +152,8 @@ ShellResult runShellCommand(const std::string &shell, const std::string &command
     writeEnd.reset(ends[1]);
     plan.sendOutputTo(writeEnd.get());
   }
-  closeOnExecAboveStandardStreams();
-  keepExitStatuses();
+  closeNonStandardDescriptorsOnExec();
+  stopIgnoringChildExits();
 
   if (mode == ShellMode::LaunchOnly) {
     const int error = launchDetached(plan, shell, command);

@@ -26,7 +26,7 @@ constexpr std::array<Form, 9> kForms{{
     {0xF4, 0xF4, 3, 0x80, 0x8F},
 }};
 
-const Form *formOf(unsigned char lead) {
+const Form *formFor(unsigned char lead) {
   for (const Form &form : kForms) {
     if (lead >= form.leadFrom && lead <= form.leadTo) return &form;
   }
@@ -36,7 +36,7 @@ const Form *formOf(unsigned char lead) {
 /// Length of the character at the start of the bytes; 0 when it is malformed or cut off.
 std::size_t characterLength(std::string_view bytes) {
   const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const Form *form = formOf(at(0));
+  const Form *form = formFor(at(0));
   if (form == nullptr || bytes.size() <= form->following) return 0;
   for (std::size_t i = 1; i <= form->following; ++i) {
     const unsigned char from = i == 1 ? form->firstFrom : 0x80;

@@ -2,10 +2,10 @@
 
 #include "app/app_statics.h"
 #include "app/local_admin.h"
+#include "app/ns_string.h"
 #include "app/outlet.h"
-#include "app/text.h"
 #include "i18n/catalogue.h"
-#include "i18n/window_texts.h"
+#include "i18n/window_strings.h"
 #import "settings/ServerWindowController.h"
 #include "settings/server_data.h"
 
@@ -80,11 +80,11 @@ static ServerWindowController *theServerWindow = nil;
 - (void)translate {
   i18n::Language &lang = app::appStatics().lang;
   const std::optional<settings::ServerData> stored = settings::getServerData();
-  lang = i18n::languageOfCode(stored ? stored->language : "").value_or(i18n::Language::En);
+  lang = i18n::languageFromCode(stored ? stored->language : "").value_or(i18n::Language::En);
 
   const std::optional<i18n::JsonData> catalogue = i18n::getLanguageLabel();
   if (!catalogue) return;
-  const auto &texts = i18n::infoOf(*catalogue, lang).Common;
+  const auto &texts = i18n::infoFor(*catalogue, lang).Common;
   [OUTLET(admin_msg) setStringValue:app::nsString(texts.adminmsg)];
   [OUTLET(username_label) setStringValue:app::nsString(texts.username)];
   [OUTLET(password_label) setStringValue:app::nsString(texts.password)];

@@ -22,14 +22,14 @@ struct OfferedLanguages {
 struct Edition {
   std::string_view oem;                ///< names the edition; fixed per build
   std::string_view appName;            ///< window title
-  std::string_view word;               ///< stands in the caption of the server field
+  std::string_view captionName;        ///< stands in the caption of the server field
   std::string_view installFolder;      ///< where the agent is installed, without a final slash
   std::string_view profileIdentifier;  ///< bundle identifier of the agent's management profile
   std::string_view changeLanguage;     ///< the settings window's method that takes a stored code
   OfferedLanguages languages;
-  int loadItem;                 ///< pop-up item selected before the stored settings are read
-  i18n::Language fallback;      ///< taken for a stored code that the edition does not offer
-  bool refusesInFiveLanguages;  ///< the start-up refusal; else in English and French
+  int initialLanguageItem;  ///< pop-up item selected before the stored settings are read
+  i18n::Language fallback;  ///< taken for a stored code that the edition does not offer
+  bool showsNotAdminMessageInAllLanguages;  ///< the start-up refusal; else in English and French
 };
 
 /// Every edition; the first row is the default of lookups that need one. A new edition is one row
@@ -37,46 +37,46 @@ struct Edition {
 inline constexpr std::array<Edition, 4> kEditions{{
     {.oem = "Quorvix",
      .appName = "Oskel Configuration Utility",
-     .word = "Oskel",
+     .captionName = "Oskel",
      .installFolder = "/Applications/Quorvix/QuorvixOskel",
      .profileIdentifier = "com.quorvix.oskel.agent",
      .changeLanguage = "changeLanguageOskel:",
      .languages = {{i18n::Language::En, i18n::Language::Fr, i18n::Language::It, i18n::Language::Ge,
                     i18n::Language::Es},
                    5},
-     .loadItem = 0,
+     .initialLanguageItem = 0,
      .fallback = i18n::Language::En,
-     .refusesInFiveLanguages = true},
+     .showsNotAdminMessageInAllLanguages = true},
     {.oem = "Zentavo",
      .appName = "Zentavo Configuration Utility",
-     .word = "Zentavo",
+     .captionName = "Zentavo",
      .installFolder = "/Applications/Zentavo/ZentavoVardex",
      .profileIdentifier = "com.zentavo.vardex.agent",
      .changeLanguage = "changeLanguageZentavo:",
      .languages = {{i18n::Language::En, i18n::Language::Fr}, 2},
-     .loadItem = 1,
+     .initialLanguageItem = 1,
      .fallback = i18n::Language::Fr,
-     .refusesInFiveLanguages = false},
+     .showsNotAdminMessageInAllLanguages = false},
     {.oem = "Fennrow",
      .appName = "Fennrow Configuration Utility",
-     .word = "Fennrow",
+     .captionName = "Fennrow",
      .installFolder = "/Applications/Fennrow/FennrowLumar",
      .profileIdentifier = "com.fennrow.lumar.agent",
      .changeLanguage = "changeLanguageFennrow:",
      .languages = {{i18n::Language::En}, 1},
-     .loadItem = 0,
+     .initialLanguageItem = 0,
      .fallback = i18n::Language::En,
-     .refusesInFiveLanguages = false},
+     .showsNotAdminMessageInAllLanguages = false},
     {.oem = "Tollwick",
      .appName = "Tollwick Configuration Utility",
-     .word = "Tollwick",
+     .captionName = "Tollwick",
      .installFolder = "/Applications/Tollwick/TollwickOmbrel",
      .profileIdentifier = "de.tollwick.ombrel.agent",
      .changeLanguage = "changeLanguageTollwick:",
      .languages = {{i18n::Language::En, i18n::Language::Ge}, 2},
-     .loadItem = 1,
+     .initialLanguageItem = 1,
      .fallback = i18n::Language::Ge,
-     .refusesInFiveLanguages = false},
+     .showsNotAdminMessageInAllLanguages = false},
 }};
 
 /// The edition with that `oem` value, compared exactly; null when there is none.

@@ -2,8 +2,8 @@
 
 #include "app/error_log.h"
 
-#include "app/console.h"
-#include "app/text.h"
+#include "app/diagnostics.h"
+#include "app/ns_string.h"
 
 namespace app {
 

@@ -3,9 +3,9 @@
 
 #include "app/local_admin.h"
 
-#include "app/console.h"
-#include "app/logged_in_user.h"
-#include "app/text.h"
+#include "agent/shell.h"
+#include "app/diagnostics.h"
+#include "app/ns_string.h"
 
 namespace app {
 namespace {
@@ -27,6 +27,15 @@ bool isInAdminGroup(ODNode *node, ODRecord *user) {
 }
 
 }  // namespace
+
+// Differs from the lookup of Apply (agent/launchd_jobs) only in not discarding stat's messages.
+// Both command lines are required as they are.
+std::string getloggedInUser() {
+  return agent::runShellCommand(agent::kBash,
+                                "loggedInUser=$(stat -f%Su /dev/console); echo $loggedInUser",
+                                agent::ShellMode::Capture)
+      .text;
+}
 
 bool checkLocalAdminUser(const std::string &username) {
   @autoreleasepool {

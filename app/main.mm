@@ -4,22 +4,22 @@
 
 #import "app/AppDelegate.h"
 #include "app/app_statics.h"
-#include "app/console.h"
+#include "app/diagnostics.h"
 #include "app/local_admin.h"
-#include "app/refusal.h"
-#include "app/text.h"
+#include "app/not_admin_message.h"
+#include "app/ns_string.h"
 
 namespace {
 
 /// Short name of the user who runs the program.
 std::string username;
 
-void showRefusal() {
+void showNotAdminAlert() {
   const std::string &appName = app::appStatics().appName;
   [NSApplication sharedApplication];  // the alert needs the window server
   NSAlert *alert = [[[NSAlert alloc] init] autorelease];
   [[alert window] setTitle:app::nsString(appName)];
-  [alert setMessageText:app::nsString(app::refusalText(appName, username))];
+  [alert setMessageText:app::nsString(app::notAdminMessage(appName, username))];
   [alert addButtonWithTitle:@"Quit"];
   [alert runModal];
 }
@@ -41,7 +41,7 @@ int main(int argc, const char *argv[]) {
   NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
   username = app::utf8(NSUserName());
   if (!app::checkLocalAdminUser(username)) {
-    showRefusal();
+    showNotAdminAlert();
     [pool drain];
     return 0;
   }

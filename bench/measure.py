@@ -14,7 +14,7 @@ import tempfile
 import time
 from pathlib import Path
 
-from driver.commands import server_plist
+from expected_commands import server_plist
 from driver.interface import Interface
 from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, LAB, SERVER_PLIST, STATE, Machine
 from driver.screen import Display, Program

@@ -1,7 +1,5 @@
 // The address tests against grammars of their own, written without any converter of the system.
 
-#include "settings/address.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +8,7 @@
 #include <vector>
 
 #include "check.h"
+#include "settings/validation.h"
 
 namespace {
 

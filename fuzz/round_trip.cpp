@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "agent/config_files.h"
+#include "agent/server_plist.h"
 #include "agent/utf8.h"
 #include "stored_settings.h"
 

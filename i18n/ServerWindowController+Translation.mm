@@ -4,11 +4,11 @@
 
 #include "app/app_statics.h"
 #include "app/edition.h"
+#include "app/ns_string.h"
 #include "app/outlet.h"
-#include "app/text.h"
 #include "i18n/catalogue.h"
 #include "i18n/edition_languages.h"
-#include "i18n/window_texts.h"
+#include "i18n/window_strings.h"
 
 @implementation ServerWindowController (Translation)
 
@@ -16,8 +16,8 @@
   const std::optional<i18n::JsonData> catalogue = i18n::getLanguageLabel();
   if (!catalogue) return;
   const app::AppStatics &statics = app::appStatics();
-  const i18n::JsonData::Info &info = i18n::infoOf(*catalogue, statics.lang);
-  const i18n::SettingsTexts texts = i18n::settingsTexts(info, statics.lang, statics.oem);
+  const i18n::JsonData::Info &info = i18n::infoFor(*catalogue, statics.lang);
+  const i18n::SettingsStrings texts = i18n::settingsStrings(info, statics.lang, statics.oem);
   [OUTLET(servername) setToolTip:app::nsString(texts.serverHint)];
   [OUTLET(setting_label) setStringValue:app::nsString(texts.settings)];
   [OUTLET(language_label) setStringValue:app::nsString(texts.language)];

@@ -4,9 +4,9 @@
 
 #include <array>
 
-#include "app/console.h"
+#include "app/diagnostics.h"
 #include "app/error_log.h"
-#include "app/text.h"
+#include "app/ns_string.h"
 
 namespace i18n {
 namespace {
@@ -71,7 +71,7 @@ constexpr std::array<Key<About, std::string>, 3> kAboutKeys{{
     {"version", &About::version},
 }};
 
-std::string kindOf(id value) {
+std::string jsonTypeName(id value) {
   if (value == nil) return "nothing";
   if (value == [NSNull null]) return "null";
   if ([value isKindOfClass:[NSString class]]) return "a string";
@@ -134,8 +134,8 @@ class Decoder {
   }
 
   bool reject(const std::string &place, const char *expected, id found) {
-    error_ =
-        (place.empty() ? "" : place + ": ") + "expected " + expected + ", found " + kindOf(found);
+    error_ = (place.empty() ? "" : place + ": ") + "expected " + expected + ", found " +
+             jsonTypeName(found);
     return false;
   }
 

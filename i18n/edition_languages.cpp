@@ -5,7 +5,7 @@
 namespace i18n {
 namespace {
 
-int itemOf(const app::OfferedLanguages &languages, Language lang) {
+int itemIndexFor(const app::OfferedLanguages &languages, Language lang) {
   return static_cast<int>(std::ranges::find(languages, lang) - languages.begin());
 }
 
@@ -24,12 +24,12 @@ std::vector<int> itemsToRemove(const app::Edition &edition) {
 }
 
 LanguageChoice choiceForCode(const app::Edition &edition, std::string_view code) {
-  const Language wanted = languageOfCode(code).value_or(edition.fallback);
+  const Language wanted = languageFromCode(code).value_or(edition.fallback);
   const Language lang = offers(edition.languages, wanted) ? wanted : edition.fallback;
-  return {.item = itemOf(edition.languages, lang), .lang = lang};
+  return {.item = itemIndexFor(edition.languages, lang), .lang = lang};
 }
 
-Language languageOfItem(std::string_view oem, int item) {
+Language languageFromItem(std::string_view oem, int item) {
   if (item < 0 || item >= kLanguageCount) return Language::En;
   const app::Edition *edition = app::editionWithOem(oem);
   const auto index = static_cast<std::size_t>(item);

@@ -26,6 +26,6 @@ LanguageChoice choiceForCode(const app::Edition &edition, std::string_view code)
 
 /// The language of the selected item (-1 when none is). Items beyond what the edition offers, and
 /// every item of an unknown `oem`, count as those of the full pop-up; out of range gives English.
-Language languageOfItem(std::string_view oem, int item);
+Language languageFromItem(std::string_view oem, int item);
 
 }  // namespace i18n

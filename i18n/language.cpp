@@ -16,7 +16,7 @@ std::string getLanguageType(Language lang) {
   return number < kCodes.size() ? std::string(kCodes[number]) : std::string();
 }
 
-std::optional<Language> languageOfCode(std::string_view code) {
+std::optional<Language> languageFromCode(std::string_view code) {
   for (std::size_t number = 0; number < kCodes.size(); ++number) {
     if (kCodes[number] == code) return static_cast<Language>(number);
   }

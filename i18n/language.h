@@ -16,6 +16,6 @@ inline constexpr int kLanguageCount = 5;
 std::string getLanguageType(Language lang);
 
 /// The language of a stored code, compared whole and case-sensitively; nothing when unknown.
-std::optional<Language> languageOfCode(std::string_view code);
+std::optional<Language> languageFromCode(std::string_view code);
 
 }  // namespace i18n

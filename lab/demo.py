@@ -11,22 +11,6 @@ from driver.machine import AGENT, DAEMON, EDITIONS, LAB, SERVER_PLIST, Machine, 
 from driver.screen import Display, Program
 from driver.waiting import wait_until
 
-BEFORE = """<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0">
-<dict>
-    <key>language</key>
-    <string>{language}</string>
-    <key>server</key>
-    <string>192.0.2.77</string>
-    <key>port</key>
-    <integer>6000</integer>
-    <key>profile</key>
-    <false/>
-</dict>
-</plist>
-"""
-
-
 def heading(text: str) -> None:
     print(f"\n=== {text}", flush=True)
 
@@ -41,7 +25,7 @@ def show_state(machine: Machine) -> None:
 def prepare(machine: Machine, edition: str, language: str) -> None:
     """A machine whose agent points to a server that is gone."""
     machine.reset()
-    machine.write_server_plist(BEFORE.format(language=language))
+    machine.store_settings(language, "192.0.2.77", 6000)
     machine.load(DAEMON, AGENT)
     machine.install_profiles(EDITIONS[edition].profile)
 

@@ -9,7 +9,6 @@ import time
 from collections import deque
 from pathlib import Path
 
-from driver.commands import server_plist
 from driver.keyboard import wait_for_keyboard
 from driver.machine import ACCOUNTS, EDITIONS, Edition, Machine
 from driver.screen import Display, Program
@@ -115,7 +114,7 @@ class Photographer:
         """The login window and, in the languages of the edition, the settings window."""
         edition = EDITIONS[oem]
         self._machine.reset()
-        self._machine.write_server_plist(server_plist(language, "192.0.2.10", "6000", True))
+        self._machine.store_settings(language, "192.0.2.10", 6000, profile=True)
         self._machine.install_profiles(edition.profile)
         program = self._program(oem)
         try:

@@ -3,10 +3,10 @@
 #include <vector>
 
 #include "app/app_statics.h"
+#include "app/ns_string.h"
 #include "app/outlet.h"
-#include "app/text.h"
 #include "settings/apply_workflow.h"
-#include "settings/input_check.h"
+#include "settings/validation.h"
 
 @implementation ServerWindowController (Apply)
 
@@ -15,9 +15,9 @@
   // Before any check, so the current language changes even when the input stops Apply.
   statics.lang = [self getLanguage];
 
-  const std::string serverText = [self trimmedTextOf:OUTLET(servername)];
-  const std::string portText = [self trimmedTextOf:OUTLET(port)];
-  if (![self acceptsServer:serverText port:portText]) return;
+  const std::string serverText = [self trimTextInField:OUTLET(servername)];
+  const std::string portText = [self trimTextInField:OUTLET(port)];
+  if (![self validateServer:serverText port:portText]) return;
   statics.server = serverText;
   statics.port = portText;
 
@@ -35,14 +35,15 @@
   [NSApp terminate:nil];
 }
 
-- (BOOL)acceptsServer:(const std::string &)serverText port:(const std::string &)portText {
-  if (settings::checkPort(portText) == settings::InputVerdict::ResetPort) {
+- (BOOL)validateServer:(const std::string &)serverText port:(const std::string &)portText {
+  if (settings::validatePort(portText) == settings::ValidationResult::ResetPort) {
     [port setStringValue:defaultPort];
     return NO;
   }
-  const settings::InputVerdict verdict = settings::checkServer(serverText, [self isIPAddressMode]);
-  if (verdict == settings::InputVerdict::ClearServer) [servername setStringValue:@""];
-  return verdict == settings::InputVerdict::Accept;
+  const settings::ValidationResult result =
+      settings::validateServer(serverText, [self serverIsIPAddress]);
+  if (result == settings::ValidationResult::ClearServer) [servername setStringValue:@""];
+  return result == settings::ValidationResult::Accept;
 }
 
 - (std::vector<std::string>)programArguments {

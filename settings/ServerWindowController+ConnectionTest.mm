@@ -1,32 +1,31 @@
 #import "settings/ServerWindowController.h"
 
-#include "app/console.h"
+#include "app/diagnostics.h"
 #include "app/outlet.h"
-#include "settings/connection_test.h"
-#include "settings/input_check.h"
+#include "settings/connectivity.h"
+#include "settings/validation.h"
 
 @implementation ServerWindowController (ConnectionTest)
 
 - (IBAction)TestAction:(id)sender {
   [self showStatus:NSImageNameStatusNone];
-  const std::string serverText = [self trimmedTextOf:OUTLET(servername)];
-  const std::string portText = [self trimmedTextOf:OUTLET(port)];
-  const settings::InputVerdict verdict = settings::checkServer(serverText, [self isIPAddressMode]);
-  if (verdict == settings::InputVerdict::ClearServer) [servername setStringValue:@""];
-  if (verdict != settings::InputVerdict::Accept) return;
+  const std::string serverText = [self trimTextInField:OUTLET(servername)];
+  const std::string portText = [self trimTextInField:OUTLET(port)];
+  const settings::ValidationResult result =
+      settings::validateServer(serverText, [self serverIsIPAddress]);
+  if (result == settings::ValidationResult::ClearServer) [servername setStringValue:@""];
+  if (result != settings::ValidationResult::Accept) return;
 
   const NSInteger kind = [OUTLET(testChoice) indexOfSelectedItem];
   app::printLine(std::to_string(kind));
-  std::string command = settings::pingCommand(serverText);
-  if (kind == 1) {
-    if (settings::checkPort(portText) == settings::InputVerdict::ResetPort) {
-      [port setStringValue:defaultPort];
-      return;
-    }
-    command = settings::portTestCommand(serverText, portText);
+  const bool testsPort = kind == 1;
+  if (testsPort && settings::validatePort(portText) == settings::ValidationResult::ResetPort) {
+    [port setStringValue:defaultPort];
+    return;
   }
-  [self showStatus:settings::isReachable(command) ? NSImageNameStatusAvailable
-                                                  : NSImageNameStatusUnavailable];
+  const bool reachable = testsPort ? settings::acceptsConnection(serverText, portText)
+                                   : settings::answersPing(serverText);
+  [self showStatus:reachable ? NSImageNameStatusAvailable : NSImageNameStatusUnavailable];
 }
 
 - (void)showStatus:(NSString *)imageName {

@@ -45,10 +45,10 @@
 - (IBAction)QuitAction:(id)sender;
 
 /// Trims white space and line ends off both ends of the field's text, in place.
-- (std::string)trimmedTextOf:(NSTextField *)field;
+- (std::string)trimTextInField:(NSTextField *)field;
 
 /// Whether the server field is to hold an IP address.
-- (BOOL)isIPAddressMode;
+- (BOOL)serverIsIPAddress;
 
 @end
 

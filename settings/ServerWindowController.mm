@@ -3,11 +3,11 @@
 #include "agent/mdm_profile.h"
 #include "app/app_statics.h"
 #include "app/edition.h"
+#include "app/ns_string.h"
 #include "app/outlet.h"
-#include "app/text.h"
 #include "i18n/edition_languages.h"
-#include "settings/address.h"
 #include "settings/server_data.h"
+#include "settings/validation.h"
 
 @implementation ServerWindowController
 
@@ -37,7 +37,7 @@
   [[self window] setTitle:title];
   [[self window] center];
   if (const app::Edition *edition = app::editionWithTitle(statics.appName)) {
-    [self trimLanguagesTo:*edition];
+    [self removeLanguagesNotOfferedBy:*edition];
     statics.lang = [self getLanguage];
     [self translate];
   }
@@ -52,11 +52,11 @@
   [MDM_profile setState:statics.mdm_profile ? NSControlStateValueOn : NSControlStateValueOff];
 }
 
-- (void)trimLanguagesTo:(const app::Edition &)edition {
+- (void)removeLanguagesNotOfferedBy:(const app::Edition &)edition {
   for (const int item : i18n::itemsToRemove(edition)) {
     [OUTLET(selectLanguage) removeItemAtIndex:item];
   }
-  [OUTLET(selectLanguage) selectItemAtIndex:edition.loadItem];
+  [OUTLET(selectLanguage) selectItemAtIndex:edition.initialLanguageItem];
 }
 
 - (void)updateUI:(NSString *)appName {
@@ -81,8 +81,8 @@
 }
 
 - (i18n::Language)getLanguage {
-  return i18n::languageOfItem(app::appStatics().oem,
-                              static_cast<int>([OUTLET(selectLanguage) indexOfSelectedItem]));
+  return i18n::languageFromItem(app::appStatics().oem,
+                                static_cast<int>([OUTLET(selectLanguage) indexOfSelectedItem]));
 }
 
 - (IBAction)languageAction:(id)sender {
@@ -94,14 +94,14 @@
   [NSApp terminate:nil];
 }
 
-- (std::string)trimmedTextOf:(NSTextField *)field {
+- (std::string)trimTextInField:(NSTextField *)field {
   NSString *text = [[field stringValue]
       stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceAndNewlineCharacterSet]];
   [field setStringValue:text];
   return app::utf8(text);
 }
 
-- (BOOL)isIPAddressMode {
+- (BOOL)serverIsIPAddress {
   return [OUTLET(mode) indexOfSelectedItem] == 0;
 }
 

@@ -3,29 +3,30 @@
 #include <array>
 #include <string_view>
 
-#include "agent/config_files.h"
 #include "agent/launchd_jobs.h"
-#include "app/console.h"
+#include "agent/server_plist.h"
+#include "agent/settings_reset.h"
+#include "app/diagnostics.h"
 
 namespace settings {
 namespace {
 
-constexpr std::array<std::string_view, 3> kStaleSettings{
+constexpr std::array<std::string_view, 3> kSettingsFilesToDelete{
     "safeguarding_server.xml", "tkprotocolserver.settings.xml", "safeguarding_cloud.xml"};
 
-std::string withoutLineEnds(std::string text) {
+std::string withoutNewlines(std::string text) {
   std::erase(text, '\n');
   return text;
 }
 
 agent::ConsoleUser lookUpConsoleUser() {
-  std::string user = withoutLineEnds(agent::getloggedInUser());
-  std::string uid = withoutLineEnds(agent::getloggedInUID(user));
+  std::string user = withoutNewlines(agent::getloggedInUser());
+  std::string uid = withoutNewlines(agent::getloggedInUID(user));
   return {.user = std::move(user), .uid = std::move(uid)};
 }
 
 void resetSettings(const ApplyRequest &request) {
-  for (const std::string_view filename : kStaleSettings) {
+  for (const std::string_view filename : kSettingsFilesToDelete) {
     agent::deleteSettings(request.oem, request.administrator, filename);
   }
   agent::generateConfigFile(request.oem);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "agent/prefixes.h"
+#include "agent/accounts.h"
 
 namespace settings {
 

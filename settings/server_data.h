@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace settings {
 
@@ -20,5 +21,11 @@ std::optional<ServerData> getServerData();
 
 /// The same for the file at `path`.
 ServerData readServerData(const std::string &path);
+
+/// The default of `language`: the first two characters of the first preferred language, else the
+/// locale's language; "en" unless that is exactly "en" or "fr". A language that comes from the file
+/// is never narrowed like this.
+std::string systemLanguage(const std::vector<std::string> &preferredLanguages,
+                           const std::optional<std::string> &localeLanguage);
 
 }  // namespace settings

@@ -1,4 +1,4 @@
-"""Drives the lab's machine and the program on it; for journeys, demo, pictures and benchmarks.
+"""Drives the lab's machine and the program on it; for end-to-end tests, demo, pictures and benchmarks.
 
 Everything here runs inside the lab, as root.
 """

@@ -2,6 +2,7 @@
 
 import json
 import os
+import plistlib
 import socket
 import subprocess
 from dataclasses import dataclass
@@ -149,6 +150,11 @@ class Machine:
     def install_profiles(self, *identifiers: str) -> None:
         """Makes configuration profiles installed."""
         (STATE / "profiles").write_text("".join(f"{name}\n" for name in identifiers))
+
+    def store_settings(self, language: str, server: str, port: int, profile: bool = False) -> None:
+        """Stores agent settings as a valid property list, not in the exact form that Apply writes."""
+        values = {"language": language, "server": server, "port": port, "profile": profile}
+        self.write_server_plist(plistlib.dumps(values, sort_keys=False))
 
     def write_server_plist(self, content: str | bytes) -> None:
         """Puts a server.plist there, as an administrator would own it."""

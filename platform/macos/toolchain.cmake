@@ -11,7 +11,7 @@ set(CMAKE_AR llvm-ar-14)
 set(CMAKE_RANLIB llvm-ranlib-14)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)  # the stubs hold only what the program links
 
-include("${CMAKE_CURRENT_LIST_DIR}/../../cmake/MacMinimum.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/minimum_system.cmake")
 # Zig takes the deployment target from the target's name alone. No Mac with an Apple processor runs
 # anything older than macOS 11; Apple's compiler raises the target there just so.
 if(MAC_ARCHITECTURE STREQUAL "arm64")

@@ -9,7 +9,7 @@ import pytest
 
 ROOT = Path(__file__).resolve().parents[2]
 SAMPLE = Path(__file__).with_name("sample")
-sys.path.insert(0, str(ROOT / "platform/macos"))
+sys.path.insert(0, str(ROOT / "tools/macos_check"))
 
 
 class Sample:
@@ -45,7 +45,7 @@ class Sample:
     def findings(self):
         """What script/check-macos would say of the sample."""
         done = subprocess.run(
-            [sys.executable, ROOT / "platform/macos/gate.py", "--source", self.source,
+            [sys.executable, ROOT / "tools/macos_check/check.py", "--source", self.source,
              "--build", self.build, "--api", self.source / "api.tsv"],
             text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=600)
         found = [line.removeprefix("finding: ") for line in done.stderr.splitlines()]

@@ -1,4 +1,4 @@
-#include "Languages.h"
+#include "languages.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <string>
 
-#include "OpenDirectory/Accounts.h"
+#include "OpenDirectory/accounts.h"
 
 namespace {
 

@@ -58,7 +58,7 @@ class PropertyListFile : public testing::Test {
   char folder_[32] = "/tmp/property-list.XXXXXX";
 };
 
-std::string binaryOf(id propertyList) {
+std::string binaryPropertyList(id propertyList) {
   NSData *data = [NSPropertyListSerialization dataWithPropertyList:propertyList
                                                             format:NSPropertyListBinaryFormat_v1_0
                                                            options:0
@@ -107,7 +107,7 @@ std::string repeated(const std::string &text, int count) {
 TEST_F(PropertyListFile, IsReadInEveryFormOfTheSystem) {
   for (const std::string &contents :
        {kHead + kDoctype + kBody, kHead + kBody, kBody, kDoctype + kBody, "\n " + kBody,
-        "\xEF\xBB\xBF" + kHead + kBody, "<!-- comment -->" + kBody, binaryOf(sample())}) {
+        "\xEF\xBB\xBF" + kHead + kBody, "<!-- comment -->" + kBody, binaryPropertyList(sample())}) {
     SCOPED_TRACE(contents.substr(0, 40));
     expectValues(read(contents));
   }
@@ -190,8 +190,8 @@ TEST_F(PropertyListFile, IsNoDictionaryWhenItHoldsSomethingElse) {
       kHead + "<plist version=\"1.0\"></plist>",
       "(a, b)",
       "{ a = ",
-      binaryOf(@"text"),
-      binaryOf([NSArray arrayWithObject:@"a"]),
+      binaryPropertyList(@"text"),
+      binaryPropertyList([NSArray arrayWithObject:@"a"]),
       "<?ml><",
       "bplist00",
       "bplist00" + std::string(32, '\0'),
@@ -210,7 +210,7 @@ TEST_F(PropertyListFile, IsNoDictionaryWhenItHoldsSomethingElse) {
 
 TEST_F(PropertyListFile, MayBeCutAnywhere) {
   testing::internal::CaptureStderr();
-  for (const std::string &whole : {kHead + kDoctype + kBody, binaryOf(sample())}) {
+  for (const std::string &whole : {kHead + kDoctype + kBody, binaryPropertyList(sample())}) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
       NSDictionary *list = read(whole.substr(0, length));
       // What follows the closing tag of the dictionary adds nothing.
@@ -221,7 +221,7 @@ TEST_F(PropertyListFile, MayBeCutAnywhere) {
 }
 
 TEST_F(PropertyListFile, MayHaveAnyByteChanged) {
-  for (const std::string &whole : {kHead + kBody, binaryOf(sample())}) {
+  for (const std::string &whole : {kHead + kBody, binaryPropertyList(sample())}) {
     for (std::size_t i = 0; i < whole.size(); ++i) {
       for (const char flip : {'\x01', '\x10', '\x80', '\xFF'}) {
         std::string changed = whole;

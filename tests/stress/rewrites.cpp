@@ -9,9 +9,9 @@
 #include <atomic>
 #include <new>
 
-#include "agent/config_files.h"
+#include "agent/server_plist.h"
+#include "doubles/fake_server_plist_path.h"
 #include "doubles/scratch_folder.h"
-#include "doubles/scratch_library.h"
 
 namespace {
 

@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "agent/config_files.h"
+#include "agent/command_prefix.h"
 #include "agent/launchd_jobs.h"
 #include "agent/mdm_profile.h"
-#include "app/local_admin.h"
-#include "app/logged_in_user.h"
+#include "agent/settings_reset.h"
 #include "doubles/recording_shell.h"
 
 namespace {
@@ -55,15 +54,6 @@ TEST_F(AgentCommands, LookUpTheConsoleUserAndReturnTheOutputAsItStands) {
       onlyCommand(),
       (RecordedCommand{"/bin/bash",
                        "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser",
-                       ShellMode::Capture}));
-}
-
-TEST_F(AgentCommands, LookUpTheConsoleUserForTheGateWithTheErrorStream) {
-  answerText("alice\n");
-  EXPECT_EQ(app::getloggedInUser(), "alice\n");
-  EXPECT_EQ(
-      onlyCommand(),
-      (RecordedCommand{"/bin/bash", "loggedInUser=$(stat -f%Su /dev/console); echo $loggedInUser",
                        ShellMode::Capture}));
 }
 

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "agent/config_files.h"
+#include "agent/server_plist.h"
+#include "doubles/fake_server_plist_path.h"
 #include "doubles/recording_shell.h"
 #include "doubles/scratch_folder.h"
-#include "doubles/scratch_library.h"
 
 namespace {
 

@@ -1,9 +1,10 @@
+#include "app/diagnostics.h"
+
 #include <gtest/gtest.h>
 
 #include <ctime>
 #include <regex>
 
-#include "app/console.h"
 #include "app/error_log.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <set>
 
-#include "agent/config_files.h"
 #include "agent/mdm_profile.h"
+#include "agent/server_plist.h"
 #include "app/app_statics.h"
 #include "app/build_edition.h"
 
@@ -63,7 +63,8 @@ TEST(Editions, OfferTheirFallbackAndTheirLoadItem) {
     const std::set<Language> offered(edition.languages.begin(), edition.languages.end());
     EXPECT_EQ(offered.size(), edition.languages.size()) << edition.oem;
     EXPECT_TRUE(offered.contains(edition.fallback)) << edition.oem;
-    EXPECT_LT(static_cast<std::size_t>(edition.loadItem), edition.languages.size()) << edition.oem;
+    EXPECT_LT(static_cast<std::size_t>(edition.initialLanguageItem), edition.languages.size())
+        << edition.oem;
   }
 }
 

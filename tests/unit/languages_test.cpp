@@ -22,7 +22,7 @@ TEST(Language, IsNumberedInPopUpOrderAndStoredByItsCode) {
   for (const auto &row : rows) {
     EXPECT_EQ(static_cast<int>(row.lang), row.number);
     EXPECT_EQ(i18n::getLanguageType(row.lang), row.code);
-    EXPECT_EQ(i18n::languageOfCode(row.code), row.lang);
+    EXPECT_EQ(i18n::languageFromCode(row.code), row.lang);
   }
 }
 
@@ -33,7 +33,7 @@ TEST(Language, OutsideTheEnumHasNoCode) {
 
 TEST(Language, IsFoundOnlyByItsExactCode) {
   for (const char *code : {"", "EN", "ge", "xx", "en ", " en", "e", "eng", "en-US"}) {
-    EXPECT_EQ(i18n::languageOfCode(code), std::nullopt) << "'" << code << "'";
+    EXPECT_EQ(i18n::languageFromCode(code), std::nullopt) << "'" << code << "'";
   }
 }
 
@@ -48,7 +48,8 @@ TEST(Trimming, RemovesWhatTheEditionDoesNotOfferFromTheHighestIndexDown) {
 TEST(Trimming, IsFollowedByTheLoadItemOfTheEdition) {
   const std::map<std::string, int> expected{
       {"Quorvix", 0}, {"Zentavo", 1}, {"Fennrow", 0}, {"Tollwick", 1}};
-  for (const auto &[oem, item] : expected) EXPECT_EQ(edition(oem.c_str()).loadItem, item) << oem;
+  for (const auto &[oem, item] : expected)
+    EXPECT_EQ(edition(oem.c_str()).initialLanguageItem, item) << oem;
 }
 
 TEST(StoredCode, SelectsByTheRuleOfItsEdition) {
@@ -74,13 +75,13 @@ TEST(StoredCode, SelectsByTheRuleOfItsEdition) {
 TEST(SelectedItem, IsTheLanguageOfThatNumberExceptGermanInTollwick) {
   for (const char *oem : {"Quorvix", "Zentavo", "Fennrow", "Tollwick", "Unknown", ""}) {
     SCOPED_TRACE(oem);
-    EXPECT_EQ(i18n::languageOfItem(oem, 0), En);
-    EXPECT_EQ(i18n::languageOfItem(oem, 1), std::string(oem) == "Tollwick" ? Ge : Fr);
-    EXPECT_EQ(i18n::languageOfItem(oem, 2), It);
-    EXPECT_EQ(i18n::languageOfItem(oem, 3), Ge);
-    EXPECT_EQ(i18n::languageOfItem(oem, 4), Es);
+    EXPECT_EQ(i18n::languageFromItem(oem, 0), En);
+    EXPECT_EQ(i18n::languageFromItem(oem, 1), std::string(oem) == "Tollwick" ? Ge : Fr);
+    EXPECT_EQ(i18n::languageFromItem(oem, 2), It);
+    EXPECT_EQ(i18n::languageFromItem(oem, 3), Ge);
+    EXPECT_EQ(i18n::languageFromItem(oem, 4), Es);
     for (const int outside : {-1, 5, 6, 1000, -2147483647 - 1}) {
-      EXPECT_EQ(i18n::languageOfItem(oem, outside), En) << outside;
+      EXPECT_EQ(i18n::languageFromItem(oem, outside), En) << outside;
     }
   }
 }

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "app/local_admin.h"
-#include "app/text.h"
+#include "app/ns_string.h"
 #include "doubles/recording_shell.h"
 
 namespace {
@@ -117,6 +117,17 @@ TEST_F(LocalAdmin, MayStartTheProgramAsAMemberOfTheAdminGroup) {
   EXPECT_TRUE(app::checkLocalAdminUser("alice"));
   EXPECT_EQ(theDirectory.asked, (Asked{"node", "user alice", "group admin", "is alice in admin"}));
   EXPECT_TRUE(doubles::recordingShell().commands.empty());
+}
+
+TEST_F(LocalAdmin, ConsoleUserIsLookedUpWithTheErrorStreamAndReturnedAsPrinted) {
+  doubles::recordingShell().answer = [](const doubles::RecordedCommand &) {
+    return agent::ShellResult{.text = "alice\n", .status = 0};
+  };
+  EXPECT_EQ(app::getloggedInUser(), "alice\n");
+  EXPECT_EQ(doubles::recordingShell().commands,
+            (std::vector<doubles::RecordedCommand>{
+                {"/bin/bash", "loggedInUser=$(stat -f%Su /dev/console); echo $loggedInUser",
+                 agent::ShellMode::Capture}}));
 }
 
 TEST_F(LocalAdmin, MayNotStartItOtherwise) {

@@ -3,9 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "doubles/fake_server_plist_path.h"
 #include "doubles/scratch_folder.h"
-#include "doubles/scratch_library.h"
-#include "settings/system_language.h"
 
 namespace {
 

@@ -1,11 +1,12 @@
+#include "agent/server_plist.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <regex>
 
-#include "agent/config_files.h"
+#include "doubles/fake_server_plist_path.h"
 #include "doubles/scratch_folder.h"
-#include "doubles/scratch_library.h"
 #include "settings/server_data.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/text.h"
+#include "app/ns_string.h"
 #include "doubles/recording_shell.h"
 
 namespace windowtest {
@@ -27,7 +27,8 @@ class Actions : public WindowTest {
     [outlet<NSPopUpButton>(controller_, "testChoice") selectItemAtIndex:test];
   }
   std::string fields() const {
-    return "'" + textOf(controller_, "servername") + "' '" + textOf(controller_, "port") + "'";
+    return "'" + fieldText(controller_, "servername") + "' '" + fieldText(controller_, "port") +
+           "'";
   }
   std::string status() const {
     NSImage *image = [outlet<NSImageView>(controller_, "testStatus") image];

@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "app/edition.h"
-#include "app/text.h"
-#include "window/fit.h"
+#include "app/ns_string.h"
+#include "window/text_fit.h"
 #import "window/window_test.h"
 
 namespace windowtest {

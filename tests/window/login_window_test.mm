@@ -1,9 +1,9 @@
 #import "window/window_test.h"
 
 #include "app/edition.h"
-#include "app/text.h"
+#include "app/ns_string.h"
+#include "doubles/fake_directory.h"
 #include "doubles/recording_shell.h"
-#include "doubles/scripted_directory.h"
 
 namespace windowtest {
 namespace {
@@ -15,20 +15,22 @@ constexpr const char *kOutlets[] = {"window",   "admin_msg",  "username_label",
 class LoginWindow : public WindowTest {
  protected:
   static void acceptOnly(const std::string &user, const std::string &pwd) {
-    doubles::scriptedDirectory().authenticate = [=](const std::string &name,
-                                                    const std::string &password) {
+    doubles::fakeDirectory().authenticate = [=](const std::string &name,
+                                                const std::string &password) {
       return name == user && password == pwd;
     };
   }
   static std::string texts(AppDelegate *delegate) {
-    return textOf(delegate, "admin_msg") + " | " + textOf(delegate, "username_label") + " | " +
-           textOf(delegate, "password_label") + " | " + titleOf(delegate, "OkButton") + " | " +
-           titleOf(delegate, "QuitButton");
+    return fieldText(delegate, "admin_msg") + " | " + fieldText(delegate, "username_label") +
+           " | " + fieldText(delegate, "password_label") + " | " +
+           buttonTitle(delegate, "OkButton") + " | " + buttonTitle(delegate, "QuitButton");
   }
   static std::string catalogueTexts(const std::string &entry) {
-    return word(entry, "Common", "adminmsg") + " | " + word(entry, "Common", "username") + " | " +
-           word(entry, "Common", "password") + " | " + word(entry, "Common", "ok") + " | " +
-           word(entry, "Common", "quit");
+    return catalogueString(entry, "Common", "adminmsg") + " | " +
+           catalogueString(entry, "Common", "username") + " | " +
+           catalogueString(entry, "Common", "password") + " | " +
+           catalogueString(entry, "Common", "ok") + " | " +
+           catalogueString(entry, "Common", "quit");
   }
 };
 
@@ -111,15 +113,15 @@ TEST_F(LoginWindow, KeepsItsLayoutTextsWithoutAUsableCatalogue) {
 TEST_F(LoginWindow, EmptiesBothFieldsSilentlyOnAWrongPassword) {
   acceptOnly("alice", "right");
   AppDelegate *delegate = launch();
-  const std::string message = textOf(delegate, "admin_msg");
+  const std::string message = fieldText(delegate, "admin_msg");
   [outlet<NSWindow>(delegate, "window")
       makeFirstResponder:outlet<NSTextField>(delegate, "password")];
   type(delegate, "username", " alice ");
   type(delegate, "password", " wrong ");
   [delegate OkAction:nil];
-  EXPECT_EQ(textOf(delegate, "username"), "");
-  EXPECT_EQ(textOf(delegate, "password"), "");
-  EXPECT_EQ(textOf(delegate, "admin_msg"), message);
+  EXPECT_EQ(fieldText(delegate, "username"), "");
+  EXPECT_EQ(fieldText(delegate, "password"), "");
+  EXPECT_EQ(fieldText(delegate, "admin_msg"), message);
   EXPECT_TRUE([outlet<NSWindow>(delegate, "window") isVisible]);
   // The rejected values stay until the next press, as typed.
   EXPECT_EQ(app::appStatics().user, " alice ");
@@ -130,7 +132,7 @@ TEST_F(LoginWindow, EmptiesBothFieldsSilentlyOnAWrongPassword) {
 
 TEST_F(LoginWindow, LetsTheDirectoryDecideOnEmptyFields) {
   std::string asked = "nothing";
-  doubles::scriptedDirectory().authenticate = [&](const std::string &user, const std::string &pwd) {
+  doubles::fakeDirectory().authenticate = [&](const std::string &user, const std::string &pwd) {
     asked = "'" + user + "' '" + pwd + "'";
     return false;
   };

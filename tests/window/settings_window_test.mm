@@ -1,9 +1,9 @@
 #import "window/window_test.h"
 
 #include "app/edition.h"
-#include "app/text.h"
+#include "app/ns_string.h"
+#include "doubles/fake_server_plist_path.h"
 #include "doubles/recording_shell.h"
-#include "doubles/scratch_library.h"
 
 namespace windowtest {
 namespace {
@@ -33,24 +33,27 @@ class SettingsWindow : public WindowTest {
   /// Every text that the window shows in the current language, in a fixed order.
   static std::string texts(ServerWindowController *controller) {
     return app::utf8([outlet<NSTextFieldCell>(controller, "setting_label") stringValue]) + " | " +
-           textOf(controller, "language_label") + " | " + textOf(controller, "server_label") +
-           " | " + textOf(controller, "port_label") + " | " + titleOf(controller, "TestButton") +
-           " | " + titleOf(controller, "reset_settings") + " | " +
-           titleOf(controller, "Apply_button") + " | " + titleOf(controller, "Quit_button") +
-           " | " + app::utf8([outlet<NSTextField>(controller, "servername") toolTip]) + " | " +
+           fieldText(controller, "language_label") + " | " + fieldText(controller, "server_label") +
+           " | " + fieldText(controller, "port_label") + " | " +
+           buttonTitle(controller, "TestButton") + " | " +
+           buttonTitle(controller, "reset_settings") + " | " +
+           buttonTitle(controller, "Apply_button") + " | " +
+           buttonTitle(controller, "Quit_button") + " | " +
+           app::utf8([outlet<NSTextField>(controller, "servername") toolTip]) + " | " +
            itemTitles(controller, "selectLanguage");
   }
   static std::string catalogueTexts(const std::string &entry, const std::string &serverCaption,
                                     const std::string &hint,
                                     const std::vector<std::string> &languages) {
-    const auto common = [&](const char *key) { return word(entry, "Common", key); };
+    const auto common = [&](const char *key) { return catalogueString(entry, "Common", key); };
     std::string items;
     for (const std::string &name : languages) {
-      items += (items.empty() ? "" : ", ") + word(entry, "Language", name);
+      items += (items.empty() ? "" : ", ") + catalogueString(entry, "Language", name);
     }
-    return common("settings") + " | " + word(entry, "Language", "lang") + ": | " + serverCaption +
-           ": | " + common("port") + ": | " + common("test") + " | " + common("reset_settings") +
-           " | " + common("apply") + " | " + common("quit") + " | " + hint + " | " + items;
+    return common("settings") + " | " + catalogueString(entry, "Language", "lang") + ": | " +
+           serverCaption + ": | " + common("port") + ": | " + common("test") + " | " +
+           common("reset_settings") + " | " + common("apply") + " | " + common("quit") + " | " +
+           hint + " | " + items;
   }
 };
 
@@ -95,7 +98,7 @@ const LoadRow kLoadRows[] = {
     {"Tollwick", "xx", 1, Language::Ge, "Ge", "Tollwick-%s", kEnGe},
 };
 
-std::string hintOf(Language lang) {
+std::string hintFor(Language lang) {
   constexpr const char *kHints[] = {"ip or hostname", "ip ou <nom de machine>", "ip o <Nome host>",
                                     "ip oder Hostname", "ip o <nombre de host>"};
   return kHints[static_cast<int>(lang)];
@@ -119,9 +122,9 @@ TEST_F(SettingsWindow, LoadsWithTheItemsSelectionAndTextsOfItsEditionAndStoredLa
     EXPECT_EQ(selectedItem(controller), row.item);
     EXPECT_EQ(app::appStatics().lang, row.lang);
     std::string caption = row.caption;
-    caption.replace(caption.find("%s"), 2, word(row.entry, "Common", "server"));
+    caption.replace(caption.find("%s"), 2, catalogueString(row.entry, "Common", "server"));
     EXPECT_EQ(texts(controller),
-              catalogueTexts(row.entry, caption, hintOf(row.lang), row.languages));
+              catalogueTexts(row.entry, caption, hintFor(row.lang), row.languages));
     [[controller window] orderOut:nil];
   }
 }
@@ -129,15 +132,15 @@ TEST_F(SettingsWindow, LoadsWithTheItemsSelectionAndTextsOfItsEditionAndStoredLa
 TEST_F(SettingsWindow, ShowsTheStoredServerAndPort) {
   store("en", "2001:db8::1", "70000");
   ServerWindowController *controller = openSettings();
-  EXPECT_EQ(textOf(controller, "servername"), "2001:db8::1");
-  EXPECT_EQ(textOf(controller, "port"), "70000");
+  EXPECT_EQ(fieldText(controller, "servername"), "2001:db8::1");
+  EXPECT_EQ(fieldText(controller, "port"), "70000");
 }
 
 TEST_F(SettingsWindow, ShowsDefaultsWithoutAFile) {
   // The system's language is English or French here; either is one that this edition offers.
   ServerWindowController *controller = openSettings();
-  EXPECT_EQ(textOf(controller, "servername"), "");
-  EXPECT_EQ(textOf(controller, "port"), "6000");
+  EXPECT_EQ(fieldText(controller, "servername"), "");
+  EXPECT_EQ(fieldText(controller, "port"), "6000");
   const bool french = app::appStatics().lang == Language::Fr;
   EXPECT_TRUE(french || app::appStatics().lang == Language::En);
   EXPECT_EQ(selectedItem(controller), french ? 1 : 0);
@@ -159,8 +162,8 @@ TEST_F(SettingsWindow, KeepsTheLoadItemOfItsEditionWithoutAnyRecord) {
     ServerWindowController *controller = openSettings();
     EXPECT_EQ(selectedItem(controller), row.item);
     EXPECT_EQ(app::appStatics().lang, row.lang);
-    EXPECT_EQ(textOf(controller, "port"), "6000");
-    EXPECT_EQ(textOf(controller, "servername"), "");
+    EXPECT_EQ(fieldText(controller, "port"), "6000");
+    EXPECT_EQ(fieldText(controller, "servername"), "");
     [[controller window] orderOut:nil];
   }
 }
@@ -173,17 +176,18 @@ TEST_F(SettingsWindow, LeavesTheLanguagesAloneUnderAnUnknownTitleAndTranslatesAl
   EXPECT_EQ([outlet<NSPopUpButton>(controller, "selectLanguage") numberOfItems], 5);
   EXPECT_EQ(selectedItem(controller), 0);
   EXPECT_EQ(app::appStatics().lang, Language::It);
-  EXPECT_EQ(titleOf(controller, "Quit_button"), word("It", "Common", "quit"));
-  EXPECT_EQ(textOf(controller, "servername"), "mdm");
-  EXPECT_EQ(textOf(controller, "port"), "4000");
+  EXPECT_EQ(buttonTitle(controller, "Quit_button"), catalogueString("It", "Common", "quit"));
+  EXPECT_EQ(fieldText(controller, "servername"), "mdm");
+  EXPECT_EQ(fieldText(controller, "port"), "4000");
 }
 
 TEST_F(SettingsWindow, UsesTheOemItselfAsTheWordOfAnUnknownEdition) {
   become("Another", "Another Utility");
   store("en", "", "6000");
   ServerWindowController *controller = openSettings();
-  EXPECT_EQ(texts(controller), catalogueTexts("En", "Another " + word("En", "Common", "server"),
-                                              "ip or hostname", kAll));
+  EXPECT_EQ(texts(controller),
+            catalogueTexts("En", "Another " + catalogueString("En", "Common", "server"),
+                           "ip or hostname", kAll));
 }
 
 TEST_F(SettingsWindow, AsksForTheProfileOnceWithTheTypedCredentialsAndShowsTheAnswerDisabled) {
@@ -249,8 +253,9 @@ TEST_F(SettingsWindow, RelabelsItselfWhenTheLanguageChangesAndStoresNothing) {
   [outlet<NSPopUpButton>(controller, "selectLanguage") selectItemAtIndex:3];
   [controller languageAction:nil];
   EXPECT_EQ(app::appStatics().lang, Language::Ge);
-  EXPECT_EQ(texts(controller), catalogueTexts("Ge", "Oskel-" + word("Ge", "Common", "server"),
-                                              "ip oder Hostname", kAll));
+  EXPECT_EQ(texts(controller),
+            catalogueTexts("Ge", "Oskel-" + catalogueString("Ge", "Common", "server"),
+                           "ip oder Hostname", kAll));
   EXPECT_EQ(recordingShell().commands.size(), commands);
   EXPECT_EQ(doubles::ScratchFolder::read(plist_), before);
 }
@@ -276,9 +281,9 @@ TEST_F(SettingsWindow, KeepsEveryTextWithoutAUsableCatalogueButTrimsAndSelects) 
   EXPECT_EQ(itemTitles(controller, "selectLanguage"), "English, French");
   EXPECT_EQ(selectedItem(controller), 1);
   EXPECT_EQ(app::appStatics().lang, Language::Fr);
-  EXPECT_EQ(titleOf(controller, "Apply_button"), "Apply");
-  EXPECT_EQ(titleOf(controller, "Quit_button"), "Quit");
-  EXPECT_EQ(textOf(controller, "port_label"), "Port:");
+  EXPECT_EQ(buttonTitle(controller, "Apply_button"), "Apply");
+  EXPECT_EQ(buttonTitle(controller, "Quit_button"), "Quit");
+  EXPECT_EQ(fieldText(controller, "port_label"), "Port:");
 }
 
 TEST_F(SettingsWindow, KeepsEveryTextWhenOneLanguageOfTheCatalogueLacksAKey) {
@@ -300,17 +305,18 @@ TEST_F(SettingsWindow, KeepsEveryTextWhenOneLanguageOfTheCatalogueLacksAKey) {
 TEST_F(SettingsWindow, ShowsAnEmptyCatalogueTextAsAnEmptyText) {
   store("en", "", "6000");
   std::string catalogue = doubles::ScratchFolder::read(RESOURCES "/translate.json");
-  const std::string quit = "\"quit\": \"" + word("En", "Common", "quit") + "\"";
+  const std::string quit = "\"quit\": \"" + catalogueString("En", "Common", "quit") + "\"";
   ASSERT_NE(catalogue.find(quit), std::string::npos);
   setCatalogue(catalogue.replace(catalogue.find(quit), quit.size(), "\"quit\": \"\""));
-  EXPECT_EQ(titleOf(openSettings(), "Quit_button"), "");
+  EXPECT_EQ(buttonTitle(openSettings(), "Quit_button"), "");
 }
 
 TEST_F(SettingsWindow, SkipsTitlesOfItemsThatThePopUpLacks) {
   become("Quorvix", "Zentavo Configuration Utility");
   store("en", "", "6000");
   EXPECT_EQ(itemTitles(openSettings(), "selectLanguage"),
-            word("En", "Language", "english") + ", " + word("En", "Language", "french"));
+            catalogueString("En", "Language", "english") + ", " +
+                catalogueString("En", "Language", "french"));
 }
 
 TEST_F(SettingsWindow, ClosedByItsTitleBarLeavesTheProgramRunning) {

@@ -57,10 +57,11 @@ Control *outlet(id owner, const char *name) {
 void disconnect(id owner, const char *name);
 
 /// A text of the shipped catalogue, read apart from the program's own reader.
-std::string word(const std::string &entry, const std::string &group, const std::string &key);
+std::string catalogueString(const std::string &entry, const std::string &group,
+                            const std::string &key);
 
-std::string textOf(id owner, const char *name);
-std::string titleOf(id owner, const char *name);
+std::string fieldText(id owner, const char *name);
+std::string buttonTitle(id owner, const char *name);
 std::string itemTitles(id owner, const char *popUp);
 void type(id owner, const char *field, const std::string &text);
 

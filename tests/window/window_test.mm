@@ -2,12 +2,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "agent/config_files.h"
+#include "agent/server_plist.h"
 #include "app/edition.h"
-#include "app/text.h"
+#include "app/ns_string.h"
+#include "doubles/fake_directory.h"
+#include "doubles/fake_server_plist_path.h"
 #include "doubles/recording_shell.h"
-#include "doubles/scratch_library.h"
-#include "doubles/scripted_directory.h"
 
 namespace windowtest {
 namespace {
@@ -23,7 +23,7 @@ void WindowTest::SetUp() {
   app::appStatics() = {};
   becomeEdition("Zentavo");
   doubles::resetShell();
-  doubles::scriptedDirectory() = {};
+  doubles::fakeDirectory() = {};
   doubles::setServerPlistPath(plist_);
   setCatalogue(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
 }
@@ -84,17 +84,18 @@ void disconnect(id owner, const char *name) {
   [owner setValue:nil forKey:[NSString stringWithUTF8String:name]];
 }
 
-std::string word(const std::string &entry, const std::string &group, const std::string &key) {
+std::string catalogueString(const std::string &entry, const std::string &group,
+                            const std::string &key) {
   static const auto catalogue =
       nlohmann::json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
   return catalogue.at(entry).at(group).at(key).get<std::string>();
 }
 
-std::string textOf(id owner, const char *name) {
+std::string fieldText(id owner, const char *name) {
   return app::utf8([outlet<NSTextField>(owner, name) stringValue]);
 }
 
-std::string titleOf(id owner, const char *name) {
+std::string buttonTitle(id owner, const char *name) {
   return app::utf8([outlet<NSButton>(owner, name) title]);
 }
 

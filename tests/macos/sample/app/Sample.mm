@@ -16,5 +16,5 @@
 
 int main(int argc, const char *argv[]) {
   [[NSApplication sharedApplication] setDelegate:[[Sample alloc] init]];
-  return app::buildEdition().loadItem + NSApplicationMain(argc, argv);
+  return app::buildEdition().initialLanguageItem + NSApplicationMain(argc, argv);
 }

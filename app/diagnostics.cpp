@@ -1,0 +1,22 @@
+#include "app/diagnostics.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace app {
+
+void printLine(std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fputc('\n', stdout);
+  std::fflush(stdout);
+}
+
+void StderrOutputStream::write(const std::string &text) const { std::fputs(text.c_str(), stderr); }
+
+void fatalError(std::string_view what) {
+  const StderrOutputStream stream;
+  stream.write("fatal error: " + std::string(what) + "\n");
+  std::abort();
+}
+
+}  // namespace app

@@ -1,0 +1,67 @@
+# The program: object libraries that every edition shares, and one small executable per edition.
+#
+#   product_core        plain C++; sees no Objective-C header, so that none can creep in
+#   shell_runner       the one place that starts processes
+#   foundation_adapters  what calls Foundation, behind plain C++ headers
+#   server_plist_location, directory
+#               where the local Library folder is and what the local directory says, likewise
+#   window_controllers     the two controllers
+#
+# Tests link the same objects and put doubles in place of shell_runner, server_plist_location or directory.
+
+include(cmake/editions.cmake)
+
+add_library(project_warnings INTERFACE)
+target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wreserved-identifier -Werror)
+
+file(GLOB product_sources CONFIGURE_DEPENDS RELATIVE "${CMAKE_SOURCE_DIR}" app/*.cpp settings/*.cpp
+     agent/*.cpp i18n/*.cpp)
+list(REMOVE_ITEM product_sources app/build_edition.cpp agent/shell.cpp)
+file(GLOB plain_headers CONFIGURE_DEPENDS app/*.h settings/*.h agent/*.h i18n/*.h)
+list(FILTER plain_headers EXCLUDE REGEX "/(AppDelegate|ServerWindowController|outlet|ns_string)\\.h$")
+
+# Every plain header is compiled on its own, as C++.
+set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
+add_library(product_core OBJECT ${product_sources})
+target_sources(product_core PUBLIC FILE_SET HEADERS BASE_DIRS "${CMAKE_SOURCE_DIR}" FILES ${plain_headers})
+target_link_libraries(product_core PRIVATE project_warnings)
+
+add_library(shell_runner OBJECT agent/shell.cpp)
+target_link_libraries(shell_runner PUBLIC product_core PRIVATE project_warnings)
+
+function(add_platform_library name)
+  add_library(${name} OBJECT ${ARGN})
+  target_link_libraries(${name} PUBLIC product_core platform_api PRIVATE project_warnings platform_strict)
+endfunction()
+
+add_platform_library(foundation_adapters app/error_log.mm i18n/catalogue.mm settings/server_data.mm)
+add_platform_library(server_plist_location agent/server_plist_path.mm)
+add_platform_library(admin_checks app/local_admin.mm)
+add_platform_library(
+  window_controllers
+  app/AppDelegate.mm
+  settings/ServerWindowController.mm
+  "settings/ServerWindowController+Apply.mm"
+  "settings/ServerWindowController+ConnectionTest.mm"
+  "i18n/ServerWindowController+Translation.mm")
+
+add_platform_library(program_entry app/main.mm)
+
+set(PROGRAM_RESOURCES "${CMAKE_SOURCE_DIR}/resources/MainMenu.xib"
+                      "${CMAKE_SOURCE_DIR}/resources/ServerWindowController.xib"
+                      "${CMAKE_SOURCE_DIR}/resources/translate.json")
+
+# build_edition_<oem>: the one object in which the editions differ.
+foreach(oem IN LISTS EDITIONS)
+  add_library(build_edition_${oem} OBJECT app/build_edition.cpp)
+  target_compile_definitions(build_edition_${oem} PRIVATE "BUILD_OEM=\"${oem}\"")
+  target_link_libraries(build_edition_${oem} PRIVATE product_core project_warnings)
+
+  add_executable(${oem})
+  target_link_libraries(${oem} PRIVATE program_entry window_controllers admin_checks server_plist_location
+                                       foundation_adapters shell_runner product_core
+                                       build_edition_${oem})
+  platform_add_bundle(${oem} TITLE "${EDITION_TITLE_${oem}}"
+                      IDENTIFIER "${EDITION_IDENTIFIER_${oem}}"
+                      RESOURCES ${PROGRAM_RESOURCES})
+endforeach()

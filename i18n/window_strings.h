@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "i18n/catalogue.h"
+#include "i18n/language.h"
+
+/// The texts of the windows, worked out from the catalogue; the controllers only put them in place.
+namespace i18n {
+
+/// The catalogue's entry of that language.
+const JsonData::Info &infoFor(const JsonData &catalogue, Language lang);
+
+/// What the settings window shows, captions with their colons.
+struct SettingsStrings {
+  std::string serverHint;  ///< tool tip of the server field
+  std::string settings;
+  std::string language;
+  std::string server;
+  std::string quit;
+  std::string apply;
+  std::string port;
+  std::string test;
+  std::string reset_settings;
+};
+
+SettingsStrings settingsStrings(const JsonData::Info &info, Language lang, std::string_view oem);
+
+/// Titles of the pop-up items that the edition offers, from item 0 on; all five for an unknown
+/// `oem`.
+std::vector<std::string> languageTitles(const struct JsonData::Info::Language &names,
+                                        std::string_view oem);
+
+}  // namespace i18n

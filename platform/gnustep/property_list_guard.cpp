@@ -1,0 +1,178 @@
+#include "property_list_guard.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+
+namespace platform {
+namespace {
+
+constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;
+
+/// Follows the containers of a binary list. Objects can be shared, so that a few bytes may describe
+/// a tree without end; the number of steps is limited instead of the number of objects.
+class BinaryWalk {
+ public:
+  explicit BinaryWalk(std::string_view bytes) : bytes_(bytes) {}
+
+  bool isHarmless() {
+    constexpr std::size_t kTrailer = 32;
+    if (bytes_.size() < kTrailer) return false;
+    const std::size_t trailer = bytes_.size() - kTrailer;
+    offsetSize_ = number(trailer + 6, 1);
+    referenceSize_ = number(trailer + 7, 1);
+    objectCount_ = number(trailer + 8, 8);
+    offsetTable_ = number(trailer + 24, 8);
+    return isIntegerSize(offsetSize_) && isIntegerSize(referenceSize_) &&
+           fits(offsetTable_, objectCount_, offsetSize_) && visit(number(trailer + 16, 8), 0);
+  }
+
+ private:
+  static bool isIntegerSize(std::uint64_t size) { return size >= 1 && size <= 8; }
+
+  bool fits(std::uint64_t start, std::uint64_t count, std::uint64_t size) const {
+    return start <= bytes_.size() && count <= (bytes_.size() - start) / size;
+  }
+
+  std::uint64_t number(std::uint64_t at, std::uint64_t size) const {
+    std::uint64_t value = 0;
+    for (std::uint64_t i = 0; i < size; ++i) {
+      value = value << 8 | static_cast<std::uint8_t>(bytes_[at + i]);
+    }
+    return value;
+  }
+
+  bool visit(std::uint64_t object, int depth) {
+    constexpr int kMaxSteps = 100000;
+    constexpr int kMaxDepth = 512;
+    if (object >= objectCount_ || depth > kMaxDepth || ++steps_ > kMaxSteps) return false;
+    std::uint64_t at = number(offsetTable_ + object * offsetSize_, offsetSize_);
+    if (!fits(at, 1, 1)) return false;
+    const std::uint64_t marker = number(at++, 1);
+    const std::uint64_t type = marker >> 4;
+    if (type < 4) return true;  // numbers and dates have no length of their own
+
+    std::uint64_t count = marker & 0xF;
+    if (count == 0xF && !readCount(at, count)) return false;
+    const bool isContainer = type >= 0xA;
+    const std::uint64_t itemSize = isContainer ? referenceSize_ * (type == 0xD ? 2 : 1)
+                                   : type == 6 ? 2
+                                               : 1;
+    if (!fits(at, count, itemSize)) return false;
+    if (!isContainer) return true;
+    for (const std::uint64_t end = at + count * itemSize; at < end; at += referenceSize_) {
+      if (!visit(number(at, referenceSize_), depth + 1)) return false;
+    }
+    return true;
+  }
+
+  /// Reads the integer object that holds a count beyond 14.
+  bool readCount(std::uint64_t &at, std::uint64_t &count) const {
+    if (!fits(at, 1, 1)) return false;
+    const std::uint64_t marker = number(at++, 1);
+    const std::uint64_t size = std::uint64_t{1} << (marker & 0xF);
+    if (marker >> 4 != 1 || !isIntegerSize(size) || !fits(at, 1, size)) return false;
+    count = number(at, size);
+    at += size;
+    return true;
+  }
+
+  std::string_view bytes_;
+  std::uint64_t offsetSize_ = 0;
+  std::uint64_t referenceSize_ = 0;
+  std::uint64_t objectCount_ = 0;
+  std::uint64_t offsetTable_ = 0;
+  int steps_ = 0;
+};
+
+/// Whether there are no more of some opening marks than levels that the parser survives. Counting
+/// marks instead of levels cannot be outwitted by what comments and texts hide.
+bool hasFewOf(std::string_view marks, std::ptrdiff_t limit, std::string_view bytes) {
+  const auto isMark = [marks](char byte) { return marks.find(byte) != std::string_view::npos; };
+  return std::count_if(bytes.begin(), bytes.end(), isMark) <= limit;
+}
+
+/// Whether each "&#" begins a character's number in full. For a number without digits the parser
+/// takes whatever its memory holds.
+bool hasWholeNumbers(std::string_view bytes) {
+  for (auto at = bytes.find("&#"); at != std::string_view::npos; at = bytes.find("&#", at + 2)) {
+    std::string_view rest = bytes.substr(at + 2);
+    const bool isHexadecimal = rest.starts_with('x');
+    if (isHexadecimal) rest.remove_prefix(1);
+    const auto digits =
+        rest.find_first_not_of(isHexadecimal ? "0123456789abcdefABCDEF" : "0123456789");
+    if (digits == 0 || digits > 7 || rest[digits] != ';') return false;
+  }
+  return true;
+}
+
+bool isHarmlessXML(std::string_view bytes) {
+  // A text cut inside a value lets the parser write to standard error.
+  return bytes[bytes.find_last_not_of(" \t\r\n")] == '>' && hasFewOf("<", 50000, bytes) &&
+         hasWholeNumbers(bytes);
+}
+
+bool isHarmlessText(std::string_view bytes) { return hasFewOf("{(", 5000, bytes); }
+
+/// An open file descriptor.
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+  ~Descriptor() {
+    if (fd_ >= 0) close(fd_);
+  }
+  int get() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+}  // namespace
+
+std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
+  if (bytes.starts_with("bplist00")) {
+    if (!BinaryWalk(bytes).isHarmless()) return std::nullopt;
+    return PropertyListForm::kBinary;
+  }
+  // NUL and 1 start GNUstep's own serialised forms, which can claim any amount of memory.
+  if (bytes.find('\0') != std::string_view::npos || bytes.starts_with('\1')) return std::nullopt;
+  const std::size_t start = bytes.find_first_not_of(" \t\r\n");
+  if (start == std::string_view::npos) return std::nullopt;
+  bytes.remove_prefix(start);
+  for (const std::string_view tag : {"<?xml", "<!DOCTYPE", "<!--", "<plist"}) {
+    if (!bytes.starts_with(tag)) continue;
+    if (!isHarmlessXML(bytes)) return std::nullopt;
+    return PropertyListForm::kXML;
+  }
+  // No dictionary in text form starts so, and some that do are read beyond their end.
+  if (bytes.starts_with('<') || !isHarmlessText(bytes)) return std::nullopt;
+  return PropertyListForm::kText;
+}
+
+std::optional<std::string> readPropertyListFile(const char *path) noexcept {
+  // Without O_NONBLOCK a named pipe would be waited for.
+  const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status;
+  if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return std::nullopt;
+  }
+  std::string contents;
+  std::array<char, 16384> buffer;
+  while (contents.size() <= kMaxFileSize) {
+    const ssize_t count = read(file.get(), buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return std::nullopt;
+    if (count == 0) return contents;
+    contents.append(buffer.data(), static_cast<std::size_t>(count));
+  }
+  return std::nullopt;
+}
+
+}  // namespace platform

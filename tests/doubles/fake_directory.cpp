@@ -1,0 +1,21 @@
+#include "doubles/fake_directory.h"
+
+#include "app/local_admin.h"
+
+namespace doubles {
+
+FakeDirectory &fakeDirectory() {
+  static FakeDirectory directory;
+  return directory;
+}
+
+}  // namespace doubles
+
+namespace app {
+
+bool authenticateLocalAdminUser(const std::string &username, const std::string &password) {
+  const auto &authenticate = doubles::fakeDirectory().authenticate;
+  return authenticate && authenticate(username, password);
+}
+
+}  // namespace app

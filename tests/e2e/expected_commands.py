@@ -1,0 +1,138 @@
+"""The commands that the program is expected to run, word for word, as the journal shows them."""
+
+from driver.machine import Account, Command, Edition
+
+DAEMON_FILE = "/Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist"
+AGENT_FILE = "/Library/LaunchAgents/com.quorvix.SystemAgentUX.plist"
+RESET_FILES = ("safeguarding_server.xml", "tkprotocolserver.settings.xml", "safeguarding_cloud.xml")
+
+
+def _as_root(runner: str, admin: Account, command: str, ending: str = "") -> list[Command]:
+    """A command behind the password of the administrator who logged in.
+
+    The first sudo changes to that administrator. Only for the administrators themselves it does so
+    without a password; it wants anybody else's own, and gets the administrator's.
+    """
+    line = (
+        f'/bin/echo "{admin.password}" | /usr/bin/sudo -u "{admin.name}" -S /usr/bin/sudo -S '
+        f"{command}{ending}"
+    )
+    words = tuple(command.split())
+    sudo = ("/usr/bin/sudo", "-S", *words)
+    steps = [
+        Command(runner, ("/bin/bash", "-c", line)),
+        Command(runner, ("/bin/echo", admin.password)),
+        Command(runner, ("/usr/bin/sudo", "-u", admin.name, "-S", *sudo)),
+        Command(admin.name, sudo),
+        Command("root", words),
+    ]
+    return steps if runner == admin.name else steps[:3]
+
+
+def _as_console_user(
+    runner: str, user: str, uid: int | str, command: str, ending: str = ""
+) -> list[Command]:
+    """A command in the console user's session, which is open to that user only."""
+    line = f'/bin/launchctl asuser {uid} /usr/bin/sudo -u "{user}" {command}{ending}'
+    words = tuple(command.split())
+    sudo = ("/usr/bin/sudo", "-u", user, *words)
+    steps = [
+        Command(runner, ("/bin/bash", "-c", line)),
+        Command(runner, ("/bin/launchctl", "asuser", str(uid), *sudo)),
+        Command(runner, sudo),
+        Command(runner, words),
+    ]
+    return steps if runner == user else steps[:2]
+
+
+def profile_check(runner: str, admin: Account, edition: Edition) -> list[Command]:
+    line = (
+        f'/bin/echo "{admin.password}" | /usr/bin/sudo -u "{admin.name}" -S /usr/bin/sudo -S '
+        f"/usr/bin/sudo /usr/bin/profiles list |  grep {edition.profile}"
+    )
+    sudo = ("/usr/bin/sudo", "/usr/bin/profiles", "list")
+    steps = [
+        Command(runner, ("/bin/sh", "-c", line)),
+        Command(runner, ("/bin/echo", admin.password)),
+        Command(runner, ("/usr/bin/sudo", "-u", admin.name, "-S", "/usr/bin/sudo", "-S", *sudo)),
+        Command(admin.name, ("/usr/bin/sudo", "-S", *sudo)),
+        Command("root", sudo),
+        Command("root", ("/usr/bin/profiles", "list")),
+    ]
+    grep = Command(runner, ("grep", edition.profile))
+    return [*(steps if runner == admin.name else steps[:3]), grep]
+
+
+def console_lookup(runner: str, console: Account) -> list[Command]:
+    user = "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser"
+    uid = f'loggedInUID=$(id -u "{console.name}"); echo $loggedInUID'
+    return [
+        Command(runner, ("/bin/bash", "-c", user)),
+        Command(runner, ("stat", "-f%Su", "/dev/console")),
+        Command(runner, ("/bin/bash", "-c", uid)),
+        Command(runner, ("id", "-u", console.name)),
+    ]
+
+
+def check_daemon(runner: str, admin: Account) -> list[Command]:
+    command = "/bin/launchctl list com.quorvix.SystemAgentDaemon"
+    return _as_root(runner, admin, command, ending=" &> /dev/null")
+
+
+def stop_daemon(runner: str, admin: Account) -> list[Command]:
+    return _as_root(runner, admin, f"/bin/launchctl unload -w {DAEMON_FILE}")
+
+
+def start_daemon(runner: str, admin: Account) -> list[Command]:
+    return _as_root(runner, admin, f"/bin/launchctl load -w {DAEMON_FILE}")
+
+
+def check_agent(runner: str, user: str, uid: int | str) -> list[Command]:
+    command = "/bin/launchctl list com.quorvix.SystemAgentUX"
+    return _as_console_user(runner, user, uid, command, ending="  &> /dev/null")
+
+
+def stop_agent(runner: str, user: str, uid: int | str) -> list[Command]:
+    return _as_console_user(runner, user, uid, f"/bin/launchctl unload -w {AGENT_FILE}")
+
+
+def start_agent(runner: str, user: str, uid: int | str) -> list[Command]:
+    return _as_console_user(runner, user, uid, f"/bin/launchctl load -w {AGENT_FILE}")
+
+
+def reset_settings(runner: str, admin: Account, edition: Edition) -> list[Command]:
+    agent = f"{edition.folder}/SystemAgent"
+    commands = []
+    for file in RESET_FILES:
+        commands += _as_root(runner, admin, f"/bin/rm  {agent}/settings/{file}")
+    line = f"echo -n > {agent}/settings/daemon.settings.xml; {agent}/SystemAgentDaemon daemon exit"
+    return commands + [
+        Command(runner, ("/bin/bash", "-c", line)),
+        Command(runner, (f"{agent}/SystemAgentDaemon", "daemon", "exit")),
+    ]
+
+
+def connection_test(runner: str, line: str, *words: str) -> list[Command]:
+    return [Command(runner, ("/bin/sh", "-c", line)), Command(runner, words)]
+
+
+def server_plist(language: str, server: str, port: str, profile: bool) -> bytes:
+    """The file that Apply writes, byte for byte."""
+    lines = [
+        '<?xml version="1.0" encoding="UTF-8"?>',
+        '    <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" '
+        '"http://www.apple.com/DTDs/PropertyList-1.0.dtd">',
+        '    <plist version="1.0">',
+        "    <dict>",
+        "        <key>language</key>",
+        f"        <string>{language}</string>",
+        "        <key>server</key>",
+        f"        <string>{server}</string>",
+        "        <key>port</key>",
+        f"        <integer>{port}</integer>",
+        "        <key>profile</key>",
+        "        <true/>" if profile else "        <false/>",
+        "    </dict>",
+        "    </plist>",
+    ]
+    return "\n".join(lines).encode()

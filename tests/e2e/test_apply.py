@@ -1,0 +1,245 @@
+"""Apply, from the login to the end of the program, on a machine in every state."""
+
+import re
+import subprocess
+from itertools import product
+
+import pytest
+from expected_commands import (
+    RESET_FILES,
+    check_agent,
+    check_daemon,
+    console_lookup,
+    profile_check,
+    reset_settings,
+    server_plist,
+    start_agent,
+    start_daemon,
+    stop_agent,
+    stop_daemon,
+)
+from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, PREFERENCES, SERVER_PLIST
+from status_messages import FAILED, SAID, WRITE_ERROR, said
+
+ALICE = ACCOUNTS["alice"]
+OLD = server_plist("fr", "192.0.2.1", "4000", True)
+NEW = server_plist("fr", "192.0.2.10", "4000", False)
+
+
+def apply_once(start, reset=False, **options):
+    """Starts the program, changes the server, applies and waits for the end."""
+    program = start(**options)
+    admin = ACCOUNTS[options.get("user", "alice")]
+    window = program.log_in(admin.name, admin.password)
+    if reset:
+        window.click("reset_settings")
+    window.fill("servername", "192.0.2.10")
+    window.click("Apply_button")
+    assert program.wait() == 0
+    assert [file.name for file in PREFERENCES.iterdir()] in ([], ["server.plist"])
+    return program
+
+
+def sequence(
+    *,
+    edition="Zentavo",
+    lookup=True,
+    stops=(stop_agent, stop_daemon),
+    reset=False,
+    starts=(start_daemon, start_agent),
+):
+    """All commands of one run by alice, from the login to the end."""
+    row = EDITIONS[edition]
+    commands = profile_check("alice", ALICE, row)
+    commands += console_lookup("alice", ALICE) if lookup else []
+    commands += check_agent("alice", "alice", 501)
+    commands += stop_agent("alice", "alice", 501) if stop_agent in stops else []
+    commands += check_daemon("alice", ALICE)
+    commands += stop_daemon("alice", ALICE) if stop_daemon in stops else []
+    commands += reset_settings("alice", ALICE, row) if reset else []
+    commands += check_daemon("alice", ALICE)
+    commands += start_daemon("alice", ALICE) if start_daemon in starts else []
+    commands += check_agent("alice", "alice", 501)
+    commands += start_agent("alice", "alice", 501) if start_agent in starts else []
+    return commands
+
+
+@pytest.fixture(autouse=True)
+def stored_settings(machine):
+    machine.write_server_plist(OLD)
+
+
+@pytest.mark.parametrize(
+    ("agent", "daemon", "reset", "arguments"),
+    product([False, True], [False, True], [False, True], [(), ("alice", "501")]),
+    ids=lambda value: str(len(value)) + " arguments" if isinstance(value, tuple) else None,
+)
+def test_apply_stops_what_runs_writes_the_settings_and_starts_everything(
+    machine, start, agent, daemon, reset, arguments
+):
+    machine.load(*([AGENT] if agent else []), *([DAEMON] if daemon else []))
+    settings = EDITIONS["Zentavo"].settings
+    installed = {file.name: file.read_text() for file in settings.iterdir()}
+    program = apply_once(start, reset, arguments=arguments)
+    stops = [stop for stop, loaded in [(stop_agent, agent), (stop_daemon, daemon)] if loaded]
+    assert machine.journal() == sequence(lookup=not arguments, stops=stops, reset=reset)
+    assert program.output.splitlines() == [
+        "USER=alice uid=501",
+        *said(*stops, start_daemon, start_agent),
+    ]
+    assert SERVER_PLIST.read_bytes() == NEW
+    assert SERVER_PLIST.stat().st_mode & 0o7777 == 0o644
+    assert SERVER_PLIST.stat().st_uid == ALICE.uid
+    assert machine.loaded() == {AGENT, DAEMON}
+    left = {file.name: file.read_text() for file in settings.iterdir()}
+    if reset:
+        assert left.keys() == installed.keys() - set(RESET_FILES)
+        assert left["daemon.settings.xml"] != installed["daemon.settings.xml"]
+    else:
+        assert left == installed
+
+
+@pytest.mark.parametrize("edition", EDITIONS)
+def test_a_reset_touches_the_settings_of_its_own_edition_only(machine, start, edition):
+    apply_once(start, reset=True, edition=edition)
+    assert machine.journal() == sequence(edition=edition, stops=(), reset=True)
+    for oem, row in EDITIONS.items():
+        assert len(list(row.settings.iterdir())) == (1 if oem == edition else 4)
+
+
+@pytest.mark.parametrize("arguments", [("bob",), ("bob", "502", "x")], ids=["one", "three"])
+def test_only_exactly_two_arguments_name_the_console_user(machine, start, arguments):
+    program = apply_once(start, arguments=arguments)
+    assert machine.journal() == sequence(stops=())
+    assert program.output.startswith("USER=alice uid=501\n")
+
+
+@pytest.mark.parametrize("user", ["bob", "alice"])
+def test_the_session_of_another_console_user_stays_closed_to_an_administrator(
+    machine, start, user
+):
+    # Alice sits at the console; a program run by alice is told that bob does.
+    console = ACCOUNTS["alice" if user == "bob" else "bob"]
+    admin = ACCOUNTS[user]
+    arguments = () if user == "bob" else (console.name, str(console.uid))
+    machine.load(AGENT, DAEMON)
+    program = apply_once(start, user=user, arguments=arguments)
+    assert machine.journal() == [
+        *profile_check(user, admin, EDITIONS["Zentavo"]),
+        *([] if arguments else console_lookup(user, console)),
+        *check_agent(user, console.name, console.uid),
+        *check_daemon(user, admin),
+        *stop_daemon(user, admin),
+        *check_daemon(user, admin),
+        *start_daemon(user, admin),
+        *check_agent(user, console.name, console.uid),
+        *start_agent(user, console.name, console.uid),
+    ]
+    assert program.output.splitlines() == [
+        f"USER={console.name} uid={console.uid}",
+        *said(stop_daemon, start_daemon),
+        FAILED[start_agent],
+    ]
+    assert machine.loaded() == {AGENT, DAEMON}
+    assert SERVER_PLIST.read_bytes() == NEW
+
+
+FAULTS = {"exits 1": {"exit": 1}, "killed": {"signal": 9}}
+
+
+@pytest.mark.parametrize("fault", FAULTS.values(), ids=FAULTS.keys())
+@pytest.mark.parametrize(
+    ("operation", "part", "needless", "loaded"),
+    [
+        (stop_agent, "unload -w /Library/LaunchAgents", start_agent, {AGENT, DAEMON}),
+        (stop_daemon, "unload -w /Library/LaunchDaemons", start_daemon, {AGENT, DAEMON}),
+        (start_daemon, "load -w /Library/LaunchDaemons", None, {AGENT}),
+        (start_agent, "load -w /Library/LaunchAgents", None, {DAEMON}),
+    ],
+    ids=["stop agent", "stop daemon", "start daemon", "start agent"],
+)
+def test_a_job_that_does_not_stop_or_start_is_reported_and_the_rest_is_done(
+    machine, start, operation, part, needless, loaded, fault
+):
+    machine.load(AGENT, DAEMON)
+    machine.order("launchctl", f"^/bin/launchctl {part}", **fault)
+    program = apply_once(start)
+    starts = [step for step in (start_daemon, start_agent) if step is not needless]
+    assert machine.journal() == sequence(starts=starts)
+    outcomes = {**SAID, operation: FAILED[operation]}
+    steps = (stop_agent, stop_daemon, *starts)
+    assert program.output.splitlines()[1:] == [outcomes[step] for step in steps]
+    assert SERVER_PLIST.read_bytes() == NEW
+    assert machine.loaded() == loaded
+
+
+def test_files_that_cannot_be_deleted_and_an_agent_that_fails_do_not_stop_the_sequence(
+    machine, start
+):
+    settings = EDITIONS["Zentavo"].settings
+    machine.order("rm", "safeguarding_server.xml", exit=1)
+    machine.order("SystemAgentDaemon", exit=1)
+    program = apply_once(start, reset=True)
+    assert machine.journal() == sequence(stops=(), reset=True)
+    assert program.output.splitlines()[1:] == said(start_daemon, start_agent)
+    left = {file.name: file.read_text() for file in settings.iterdir()}
+    assert left.keys() == {"safeguarding_server.xml", "daemon.settings.xml"}
+    assert left["daemon.settings.xml"] == ""
+
+
+def test_slow_and_noisy_commands_only_take_their_time(machine, start):
+    machine.load(AGENT, DAEMON)
+    machine.order("launchctl", "^/bin/launchctl unload", stderr=60000, delay=0.5)
+    program = apply_once(start)
+    assert machine.journal() == sequence()
+    assert program.errors.count("e" * 60000) == 2
+    assert program.output.splitlines()[1:] == said(*SAID)
+    assert machine.loaded() == {AGENT, DAEMON}
+
+
+def test_a_read_only_folder_keeps_the_old_settings_and_the_jobs_are_restarted(machine, start):
+    machine.load(AGENT, DAEMON)
+    PREFERENCES.chmod(0o555)
+    program = apply_once(start)
+    assert re.findall(WRITE_ERROR, program.errors) == ["Permission denied"]
+    assert SERVER_PLIST.read_bytes() == OLD
+    assert machine.journal() == sequence()
+    assert machine.loaded() == {AGENT, DAEMON}
+
+
+def test_a_missing_folder_is_reported_and_not_created(machine, start):
+    program = start()
+    window = program.log_in()
+    SERVER_PLIST.unlink()
+    PREFERENCES.rmdir()
+    window.click("Apply_button")
+    assert program.wait() == 0
+    assert re.findall(WRITE_ERROR, program.errors) == ["No such file or directory"]
+    assert not PREFERENCES.exists()
+    assert machine.journal() == sequence(stops=())
+
+
+def change_password(name, password):
+    subprocess.run(["chpasswd"], input=f"{name}:{password}", text=True, check=True)
+
+
+def test_a_password_that_changed_after_the_login_leaves_the_daemon_alone(machine, start):
+    machine.load(AGENT, DAEMON)
+    program = start()
+    window = program.log_in()
+    logged_in = len(machine.journal())
+    change_password("alice", "changed")
+    try:
+        window.click("Apply_button")
+        assert program.wait() == 0
+    finally:
+        change_password("alice", ALICE.password)
+    assert program.output.splitlines() == [
+        "USER=alice uid=501",
+        *said(stop_agent),
+        FAILED[start_daemon],
+        *said(start_agent),
+    ]
+    assert {command.user for command in machine.journal()[logged_in:]} == {"alice"}
+    assert machine.loaded() == {AGENT, DAEMON}
+    assert SERVER_PLIST.read_bytes() == server_plist("fr", "192.0.2.1", "4000", False)

@@ -1,0 +1,169 @@
+"""The connection test, and input that the test or Apply does not accept."""
+
+import pytest
+from expected_commands import connection_test, profile_check, server_plist
+from driver.machine import ACCOUNTS, EDITIONS, SERVER_PLIST, listen
+
+ALICE = ACCOUNTS["alice"]
+LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])
+PING, PORT = 0, 1
+IP_ADDRESS, HOST_NAME = 0, 1
+
+
+def ping(server):
+    return connection_test(
+        "alice", f'/sbin/ping -c 1 "{server}"', "/sbin/ping", "-c", "1", server
+    )
+
+
+def nc(server, port):
+    return connection_test(
+        "alice", f'/usr/bin/nc -vz "{server}" {port}', "/usr/bin/nc", "-vz", server, str(port)
+    )
+
+
+@pytest.fixture
+def settings(machine, start):
+    """Opens the settings window over a stored server and port, with the modes chosen."""
+
+    def open_window(server="192.0.2.10", port="6000", mode=IP_ADDRESS, test=PING):
+        machine.write_server_plist(server_plist("en", server, port, False))
+        program = start()
+        window = program.log_in()
+        if mode == HOST_NAME:
+            window.choose("mode", 1)
+        if test == PORT:
+            window.choose("testChoice", 1)
+        assert window.status() == "unknown"
+        return program, window
+
+    return open_window
+
+
+def quit_and_read_journal(machine, program, window):
+    window.click("Quit_button")
+    assert program.wait() == 0
+    return machine.journal()
+
+
+@pytest.mark.parametrize(
+    ("server", "mode", "status"),
+    [
+        ("192.0.2.10", IP_ADDRESS, "reachable"),
+        ("::1", IP_ADDRESS, "reachable"),
+        ("192.0.2.1", IP_ADDRESS, "unreachable"),
+        ("192.0.2.10", HOST_NAME, "reachable"),
+        ("fileserver", HOST_NAME, "reachable"),
+        ("unknown-server", HOST_NAME, "unreachable"),
+    ],
+)
+def test_ping_shows_whether_the_server_answers(machine, settings, server, mode, status):
+    program, window = settings(server, "70000", mode)
+    window.click("TestButton")
+    window.wait_until(lambda: window.status() != "unknown", "result of the test")
+    assert window.status() == status
+    assert quit_and_read_journal(machine, program, window) == LOGIN + ping(server)
+    assert program.output.startswith("0\n")
+
+
+@pytest.mark.parametrize("server", ["127.0.0.1", "::1"])
+def test_the_port_test_tells_a_closed_port_from_a_listening_one(machine, settings, server):
+    with listen(server) as listener:
+        port = listener.getsockname()[1]
+        program, window = settings(server, port, test=PORT)
+        window.click("TestButton")
+        window.wait_until(lambda: window.status() == "reachable", "success of the test")
+    window.click("TestButton")
+    window.wait_until(lambda: window.status() == "unreachable", "failure of the test")
+    journal = quit_and_read_journal(machine, program, window)
+    assert journal == LOGIN + nc(server, port) + nc(server, port)
+    assert [line for line in program.output.splitlines() if line.isdecimal()] == ["1", "1"]
+
+
+def test_port_0_is_tried(machine, settings):
+    program, window = settings(port="0", test=PORT)
+    window.click("TestButton")
+    window.wait_until(lambda: window.status() == "unreachable", "failure of the test")
+    assert quit_and_read_journal(machine, program, window) == LOGIN + nc("192.0.2.10", 0)
+
+
+def test_blanks_around_the_server_are_removed_before_the_test(machine, settings):
+    program, window = settings()
+    window.fill("servername", " ::1  ")
+    window.click("TestButton")
+    window.wait_until(lambda: window.status() == "reachable", "success of the test")
+    assert quit_and_read_journal(machine, program, window) == LOGIN + ping("::1")
+
+
+def test_a_host_name_in_address_mode_is_removed_and_nothing_is_tried(machine, settings):
+    program, window = settings("fileserver")
+    window.click("TestButton")
+    window.wait_until(lambda: window.is_empty("servername"), "server removed")
+    assert window.status() == "unknown"
+    assert quit_and_read_journal(machine, program, window) == LOGIN
+    assert program.output == ""
+
+
+@pytest.mark.parametrize("port", ["70000", "-1", ""])
+def test_the_port_test_replaces_what_is_no_port_and_the_next_one_uses_it(machine, settings, port):
+    program, window = settings(test=PORT)
+    window.fill("port", port)
+    window.click("TestButton")
+    window.click("TestButton")
+    window.wait_until(lambda: window.status() == "unreachable", "failure of the test")
+    assert quit_and_read_journal(machine, program, window) == LOGIN + nc("192.0.2.10", 6000)
+    assert [line for line in program.output.splitlines() if line.isdecimal()] == ["1", "1"]
+
+
+@pytest.mark.parametrize("mode", [IP_ADDRESS, HOST_NAME])
+@pytest.mark.parametrize("button", ["TestButton", "Apply_button"])
+def test_without_a_server_nothing_happens(machine, settings, mode, button):
+    program, window = settings("", mode=mode)
+    before = SERVER_PLIST.read_bytes()
+    window.click(button)
+    assert quit_and_read_journal(machine, program, window) == LOGIN
+    assert SERVER_PLIST.read_bytes() == before
+
+
+def test_apply_removes_a_host_name_in_address_mode_and_changes_nothing_else(machine, settings):
+    program, window = settings("fileserver")
+    before = SERVER_PLIST.read_bytes()
+    window.click("Apply_button")
+    window.wait_until(lambda: window.is_empty("servername"), "server removed")
+    assert quit_and_read_journal(machine, program, window) == LOGIN
+    assert SERVER_PLIST.read_bytes() == before
+
+
+@pytest.mark.parametrize("port", ["65536", "port", ""])
+def test_apply_replaces_what_is_no_port_and_stops_and_a_second_apply_goes_through(
+    machine, settings, port
+):
+    program, window = settings(port="4000")
+    before = SERVER_PLIST.read_bytes()
+    window.fill("port", port)
+    window.click("Apply_button")
+    window.click("TestButton")
+    window.wait_until(lambda: window.status() == "reachable", "success of the test")
+    assert machine.journal() == LOGIN + ping("192.0.2.10")
+    assert SERVER_PLIST.read_bytes() == before
+    window.press("Return")
+    assert program.wait() == 0
+    assert SERVER_PLIST.read_bytes() == server_plist("en", "192.0.2.10", "6000", False)
+
+
+@pytest.mark.parametrize("port", ["6000 ", " 0", "+80", "-0", "65535"])
+def test_apply_trims_and_accepts_every_form_of_a_port(settings, port):
+    program, window = settings()
+    window.fill("port", port)
+    window.press("Return")
+    assert program.wait() == 0
+    assert SERVER_PLIST.read_bytes() == server_plist("en", "192.0.2.10", port.strip(), False)
+
+
+@pytest.mark.parametrize("server", ["fileserver", "a<b>&c"])
+def test_apply_stores_a_host_name_as_it_is(settings, server):
+    program, window = settings(mode=HOST_NAME)
+    window.fill("servername", server)
+    window.click("Apply_button")
+    assert program.wait() == 0
+    assert SERVER_PLIST.read_bytes() == server_plist("en", server, "6000", False)

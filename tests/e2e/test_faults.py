@@ -1,0 +1,317 @@
+"""Faults of Apply: of each command that it runs, of the folder and the file that it writes, and its
+own death. Alive, it always runs to its end; the file is always the old or the new one."""
+
+import os
+import re
+import signal
+import subprocess
+import time
+from pathlib import Path
+
+import pytest
+from expected_commands import server_plist
+from driver.machine import PREFERENCES, SERVER_PLIST
+from driver.screen import Program
+from driver.waiting import wait_until
+from apply_model import ALICE, NOISE, Place, Rehearsal
+
+pytest.register_assert_rewrite("faults")
+
+from faults import CLEAN, COMMANDS, NEW, OLD, Ready, after_apply, entries
+
+LAST_BEFORE_FILE = CLEAN.shells_before_file - 1
+ELSEWHERE = PREFERENCES.parent / "elsewhere"
+PAGE = os.sysconf("SC_PAGE_SIZE")
+HANG = 3
+
+
+def place_name(place: Place) -> str:
+    return f"{place.shell + 1:02}.{place.command}-{Path(COMMANDS[place].argv[0]).name}"
+
+
+def other_files() -> list[str]:
+    """What else is where the file is."""
+    return [file.name for file in PREFERENCES.iterdir() if file != SERVER_PLIST]
+
+
+@pytest.fixture(scope="session")
+def tried(request):
+    """Notes the faults that were tried; prints how many."""
+    faults = []
+    yield faults.append
+    capture = request.config.pluginmanager.get_plugin("capturemanager")
+    with capture.global_and_fixture_disabled():
+        print(f"\n{len(faults)} faults tried")
+
+
+@pytest.fixture
+def ready(machine, start):
+    return Ready(machine, start)
+
+
+each_command = pytest.mark.parametrize("place", COMMANDS, ids=place_name)
+each_shell = pytest.mark.parametrize(
+    "place", [place for place in COMMANDS if place.command == 0], ids=place_name
+)
+
+
+def test_the_matrix_has_all_commands():
+    assert len(CLEAN.shells) == 14
+    assert len(COMMANDS) == len(CLEAN.journal) == 57
+
+
+@each_command
+@pytest.mark.parametrize(
+    "fault",
+    [{"exit": 1}, {"signal": signal.SIGTERM}, {"signal": signal.SIGKILL}],
+    ids=["exit", "SIGTERM", "SIGKILL"],
+)
+def test_a_command_that_ends_early_costs_no_other_step(ready, tried, place, fault):
+    ready.order(place, **fault)
+    ready.apply()
+    ready.check_end(Rehearsal(place, ends=True))
+    assert ready.was_disturbed()
+    assert SERVER_PLIST.read_bytes() == NEW
+    assert other_files() == []
+    tried((place, fault))
+
+
+@each_command
+def test_a_noisy_command_blocks_nothing(ready, tried, place):
+    ready.order(place, stderr=len(NOISE))
+    ready.apply()
+    ready.check_end(Rehearsal(place, noisy=True))
+    assert ready.was_disturbed()
+    assert SERVER_PLIST.read_bytes() == NEW
+    assert other_files() == []
+    tried((place, "noise"))
+
+
+@pytest.mark.parametrize("number", sorted({place.command for place in COMMANDS}))
+def test_hanging_commands_are_waited_for(ready, tried, number):
+    # One command of each shell in turn, which leaves the others as they are.
+    places = [place for place in COMMANDS if place.command == number]
+    for place in places:
+        ready.order(place, delay=HANG)
+    began = time.monotonic()
+    ready.apply()
+    for i, place in enumerate(places):
+        wait_until(lambda: ready.was_disturbed(i), "call of the command")
+        assert time.monotonic() - began > i * HANG
+        assert len(ready.children()) == 1
+        assert SERVER_PLIST.read_bytes() == (OLD if place.shell <= LAST_BEFORE_FILE else NEW)
+        assert other_files() == []
+        tried((place, "hangs"))
+    ready.check_end()
+    assert time.monotonic() - began > len(places) * HANG
+    assert SERVER_PLIST.read_bytes() == NEW
+    assert other_files() == []
+
+
+@each_shell
+def test_when_it_is_killed_the_running_shell_is_the_last_one(ready, tried, place):
+    ready.order(place, signal=signal.SIGSTOP)
+    ready.apply()
+    child = wait_until(ready.stopped_child, "stopped shell")
+    assert len(ready.children()) == 1
+    ready.program.kill()
+    os.kill(child, signal.SIGCONT)
+    ready.wait_for_processes()
+    ready.check_state_after(place.shell)
+    assert ready.program.output.splitlines() == CLEAN.shells[place.shell].output
+    assert SERVER_PLIST.read_bytes() == (OLD if place.shell <= LAST_BEFORE_FILE else NEW)
+    assert other_files() == []
+    tried((place, "death"))
+
+
+def trace_file_accesses(ready: Ready, *options: str) -> list[str]:
+    """Applies, and returns the system calls that have to do with files or descriptors, from the end
+    of the last shell before the file on."""
+    ready.order(Place(LAST_BEFORE_FILE, 0), signal=signal.SIGSTOP)
+    ready.apply()
+    child = wait_until(ready.stopped_child, "stopped shell")
+    command = ["strace", "--trace=%file,%desc", f"--attach={ready.program.pid}", *options]
+    with subprocess.Popen(
+        command, stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True
+    ) as tracer:
+        assert "attached" in tracer.stderr.readline()
+        os.kill(child, signal.SIGCONT)
+        return re.findall(r"^(\w+)\(", tracer.stderr.read(), re.MULTILINE)
+
+
+def test_when_it_is_killed_while_it_writes_the_file_is_whole(ready, machine, start, tried):
+    calls = trace_file_accesses(ready)
+    ready.check_end()
+    for i, call in enumerate(calls):
+        machine.reset()
+        ready = Ready(machine, start)
+        # The tracer kills before the system does anything.
+        kill = f"--inject={call}:signal=KILL:when={calls[: i + 1].count(call)}"
+        assert trace_file_accesses(ready, kill) == calls[: i + 1]
+        assert ready.program.wait() == -signal.SIGKILL
+        ready.wait_for_processes()
+        ready.check_state_after(LAST_BEFORE_FILE)
+        content = SERVER_PLIST.read_bytes()
+        assert content in (OLD, NEW)
+        assert len(other_files()) <= 1
+        tried(("death", i))
+        if content == NEW:
+            break
+    # At least a file of its own was made, written and renamed before.
+    assert content == NEW
+    assert i > 3
+
+
+def mount(*options: str) -> None:
+    """Puts a file system of its own, with the old file, in the place of the folder."""
+    options = ",".join(("mode=775", f"gid={PREFERENCES.stat().st_gid}", *options))
+    subprocess.run(["mount", "-t", "tmpfs", "-o", options, "faults", PREFERENCES], check=True)
+    SERVER_PLIST.write_bytes(OLD)
+    os.chown(SERVER_PLIST, ALICE.uid, -1)
+
+
+@pytest.fixture
+def restored():
+    """Makes the folder an ordinary one again."""
+    yield
+    subprocess.run(["umount", PREFERENCES], stderr=subprocess.DEVNULL, check=False)
+    subprocess.run(["rm", "-rf", PREFERENCES, ELSEWHERE], check=True)
+
+
+def folder_missing():
+    SERVER_PLIST.unlink()
+    PREFERENCES.rmdir()
+
+
+def folder_read_only():
+    PREFERENCES.chmod(0o555)
+
+
+def folder_on_read_only_volume():
+    mount()
+    subprocess.run(["mount", "-o", "remount,ro", PREFERENCES], check=True)
+
+
+def folder_linked():
+    PREFERENCES.rename(ELSEWHERE)
+    PREFERENCES.symlink_to(ELSEWHERE)
+
+
+def folder_linked_to_nothing():
+    folder_missing()
+    PREFERENCES.symlink_to(ELSEWHERE)
+
+
+def folder_is_a_file():
+    folder_missing()
+    PREFERENCES.touch()
+
+
+def file_missing():
+    SERVER_PLIST.unlink()
+
+
+def file_present():
+    assert SERVER_PLIST.read_bytes() == OLD
+
+
+def file_read_only():
+    SERVER_PLIST.chmod(0o444)
+
+
+def file_of_root():
+    os.chown(SERVER_PLIST, 0, 0)
+    SERVER_PLIST.chmod(0o600)
+
+
+def file_with_a_second_name():
+    ELSEWHERE.hardlink_to(SERVER_PLIST)
+
+
+def file_linked():
+    SERVER_PLIST.rename(ELSEWHERE)
+    SERVER_PLIST.symlink_to(ELSEWHERE)
+
+
+def file_linked_to_nothing():
+    SERVER_PLIST.unlink()
+    SERVER_PLIST.symlink_to(ELSEWHERE)
+
+
+def file_is_a_folder():
+    SERVER_PLIST.unlink()
+    SERVER_PLIST.mkdir()
+
+
+def file_is_a_folder_with_content():
+    file_is_a_folder()
+    (SERVER_PLIST / "content").touch()
+
+
+RESULTS = {
+    folder_missing: "No such file or directory",
+    folder_read_only: "Permission denied",
+    folder_on_read_only_volume: "Read-only file system",
+    folder_linked: 0o644,
+    folder_linked_to_nothing: "No such file or directory",
+    folder_is_a_file: "Not a directory",
+    file_missing: 0o644,
+    file_present: 0o644,
+    file_read_only: 0o444,
+    file_of_root: 0o600,
+    file_with_a_second_name: 0o644,
+    file_linked: 0o644,
+    file_linked_to_nothing: 0o644,
+    file_is_a_folder: "Is a directory",
+    file_is_a_folder_with_content: "Is a directory",
+}
+
+
+@pytest.mark.parametrize(
+    ("disturb", "result"), RESULTS.items(), ids=[disturb.__name__ for disturb in RESULTS]
+)
+def test_the_file_is_new_or_nothing_has_changed(ready, restored, tried, disturb, result):
+    disturb()
+    before = entries()
+    ready.apply()
+    if isinstance(result, str):
+        ready.check_end(error=result)
+        assert entries() == before
+    else:
+        ready.check_end()
+        assert entries() == after_apply(before, result, NEW)
+    tried(disturb)
+
+
+@pytest.mark.parametrize(
+    ("pages", "names", "fits"),
+    [(0, 9, False), (1, 9, False), (2, 9, False), (3, 0, False), (3, 9, True)],
+    ids=["full", "room_for_a_third", "room_for_two_thirds", "no_room_for_a_name", "room"],
+)
+def test_a_file_that_does_not_fit_is_not_begun(
+    machine, start, restored, tried, monkeypatch, pages, names, fits
+):
+    # The window is there when its field is white, which no field with so long a text is.
+    def settings_window(program):
+        return program.window("ServerWindowController", "port")
+
+    monkeypatch.setattr(Program, "settings_window", settings_window)
+    server = "h" * 2 * PAGE
+    ready = Ready(machine, start, server_plist("fr", server, "4000", True))
+    ready.window.choose("mode", 1)
+    SERVER_PLIST.unlink()
+    mount(f"size={(pages + 2) * PAGE}", f"nr_inodes={names + 3}")
+    (PREFERENCES / "filler").write_bytes(bytes(PAGE))
+    room = os.statvfs(PREFERENCES)
+    assert (room.f_bavail, room.f_ffree) == (pages, names)
+    before = entries()
+    # The pop-up has the keyboard.
+    ready.window.click("Apply_button")
+    if fits:
+        ready.check_end()
+        new = server_plist("fr", server, "4000", False)
+        assert entries() == after_apply(before, 0o644, new)
+    else:
+        ready.check_end(error="No space left on device")
+        assert entries() == before
+        tried((pages, names))

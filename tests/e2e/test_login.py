@@ -1,0 +1,111 @@
+"""From the start of the program to the settings window, and out again."""
+
+import shutil
+import signal
+import subprocess
+
+import pytest
+from expected_commands import profile_check
+from driver.machine import ACCOUNTS, EDITIONS, LAB
+
+every_edition = pytest.mark.parametrize("edition", EDITIONS)
+
+
+@every_edition
+@pytest.mark.parametrize("key", ["Return", "space"])
+def test_a_user_who_is_no_administrator_is_refused_before_anything_happens(
+    machine, start, display, edition, key
+):
+    program = start(edition=edition, user="carol")
+    program.wait_for_alert()
+    display.xdotool("key", key)
+    assert program.wait() == 0
+    assert machine.journal() == []
+    assert program.output == ""
+
+
+@every_edition
+def test_an_administrator_logs_in_and_quits_and_only_the_profile_is_asked_for(
+    machine, start, edition
+):
+    program = start(edition=edition, user="bob")
+    window = program.log_in("bob", "bob-pw")
+    window.click("Quit_button")
+    assert program.wait() == 0
+    bob = ACCOUNTS["bob"]
+    assert machine.journal() == profile_check("bob", bob, EDITIONS[edition])
+    assert program.output == ""
+
+
+def test_quit_in_the_login_window_ends_the_program_and_nothing_has_run(machine, start):
+    program = start()
+    program.login_window().click("QuitButton")
+    assert program.wait() == 0
+    assert machine.journal() == []
+
+
+@pytest.mark.parametrize(
+    ("user", "password"),
+    [
+        ("alice", "wrong"),
+        ("alice", "alice-pw "),
+        ("alice", ""),
+        ("", "alice-pw"),
+        ("nobody1", "alice-pw"),
+        ("carol", "carol-pw"),
+    ],
+    ids=["wrong", "with a blank", "no password", "no name", "unknown name", "no administrator"],
+)
+@pytest.mark.parametrize("button", [False, True], ids=["Return", "OK"])
+def test_a_refused_login_empties_both_fields_and_a_right_one_may_follow(
+    machine, start, user, password, button
+):
+    program = start()
+    window = program.login_window()
+    window.click("username")
+    window.type(user)
+    window.press("Tab")
+    window.type(password)
+    typed = [field for field, text in [("username", user), ("password", password)] if text]
+    for field in typed:
+        window.wait_until(lambda f=field: not window.is_empty(f), f"text in {field}")
+    if button:
+        window.click("OkButton")
+    else:
+        window.press("Return")
+    for field in typed:
+        window.wait_until(lambda f=field: window.is_empty(f), f"{field} emptied")
+    # The keyboard is back in an empty name field: a right login is typed without a click.
+    window.type("alice")
+    window.press("Tab")
+    window.type("alice-pw")
+    window.press("Return")
+    program.settings_window().click("Quit_button")
+    assert program.wait() == 0
+    assert machine.journal() == profile_check("alice", ACCOUNTS["alice"], EDITIONS["Zentavo"])
+
+
+def test_another_administrator_may_log_in_but_sudo_wants_the_runners_own_password(machine, start):
+    machine.install_profiles(EDITIONS["Zentavo"].profile)
+    program = start()
+    program.log_in("bob", "bob-pw").click("Quit_button")
+    assert program.wait() == 0
+    assert machine.journal() == profile_check("alice", ACCOUNTS["bob"], EDITIONS["Zentavo"])
+
+
+def test_a_program_without_its_interface_file_says_so_and_stops(machine, display):
+    program = EDITIONS["Zentavo"].program
+    torn = program.parent.with_name("Torn.app")
+    shutil.copytree(program.parent, torn)
+    (torn / "Resources/MainMenu.xib").unlink()
+    result = subprocess.run(
+        [LAB / "login", "alice", torn / program.name],
+        env=display.environment,
+        capture_output=True,
+        text=True,
+        check=False,
+        timeout=30,
+    )
+    assert result.returncode == -signal.SIGABRT
+    assert "fatal error: interface file MainMenu cannot be loaded from the bundle" in result.stderr
+    assert machine.journal() == []

@@ -1,0 +1,34 @@
+#include "app/not_admin_message.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr const char *kTwoLanguages =
+    "User carol is not from local Admin group.\n\nL'utilisateur carol ne fait pas partie du groupe "
+    "d'administrateurs local.";
+
+TEST(Refusal, SpeaksFiveLanguagesUnderTheOskelTitle) {
+  EXPECT_EQ(app::notAdminMessage("Oskel Configuration Utility", "carol"),
+            "User carol is not from local Admin group.\n\n"
+            "L'utente carol non appartiene al gruppo Admin locale.\n\n"
+            "El usuario carol no pertenece al grupo de administraci\xC3\xB3n local.\n\n"
+            "L'utilisateur carol ne fait pas partie du groupe d'administrateurs local.\n\n"
+            "Der Benutzer carol geh\xC3\xB6rt nicht zur lokalen Admin-Gruppe.");
+}
+
+TEST(Refusal, SpeaksEnglishAndFrenchUnderEveryOtherTitle) {
+  for (const char *title :
+       {"Zentavo Configuration Utility", "Fennrow Configuration Utility",
+        "Tollwick Configuration Utility", "Another Title", "", "oskel configuration utility"}) {
+    EXPECT_EQ(app::notAdminMessage(title, "carol"), kTwoLanguages) << title;
+  }
+}
+
+TEST(Refusal, KeepsAnEmptyNameInItsPlace) {
+  EXPECT_EQ(app::notAdminMessage("Zentavo Configuration Utility", ""),
+            "User  is not from local Admin group.\n\nL'utilisateur  ne fait pas partie du groupe "
+            "d'administrateurs local.");
+}
+
+}  // namespace

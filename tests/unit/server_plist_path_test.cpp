@@ -1,0 +1,13 @@
+#include "agent/server_plist_path.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(LocalLibrary, IsTheMachinesOwnAndNotTheUsers) {
+  const auto path = agent::serverPlistPath();
+  ASSERT_TRUE(path);
+  EXPECT_EQ(*path, LOCAL_LIBRARY "/Preferences/ZentavoAgent/server.plist");
+}
+
+}  // namespace

@@ -1,0 +1,275 @@
+#include "window/text_fit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "app/edition.h"
+#include "app/not_admin_message.h"
+#include "app/ns_string.h"
+#include "i18n/language.h"
+#import "window/window_test.h"
+
+namespace windowtest {
+namespace {
+
+using i18n::Language;
+
+constexpr Language kLanguages[] = {Language::En, Language::Fr, Language::It, Language::Ge,
+                                   Language::Es};
+// As long as the text of an IPv6 address gets, with an IPv4 address at its end, in wide digits.
+constexpr const char *kLongAddress = "2001:0db8:8888:8888:8888:8888:255.255.255.255";
+static_assert(std::string_view(kLongAddress).size() == 45);
+
+/// The text made longer by that part of itself.
+std::string longer(const std::string &text, double part) {
+  NSString *string = app::nsString(text);
+  const auto more = static_cast<NSUInteger>(std::ceil(static_cast<double>([string length]) * part));
+  return text + app::utf8([string substringToIndex:more]);
+}
+
+class Fit : public WindowTest {
+ protected:
+  struct Opened {
+    NSWindow *window;
+    id owner;
+  };
+
+  Opened openLoginIn(const app::Edition &edition, Language lang) {
+    becomeEdition(std::string(edition.oem));
+    store(i18n::getLanguageType(lang), "", "6000");
+    AppDelegate *delegate = launch();
+    return {outlet<NSWindow>(delegate, "window"), delegate};
+  }
+
+  /// The language is set past the pop-up, so that each edition is seen in all five.
+  Opened openSettingsIn(const app::Edition &edition, Language lang) {
+    becomeEdition(std::string(edition.oem));
+    store("en", kLongAddress, "65535");
+    ServerWindowController *controller = openSettings();
+    app::appStatics().lang = lang;
+    [controller translate];
+    return {[controller window], controller};
+  }
+
+  /// Calls back with both windows of each edition in each language.
+  template <class Callback>
+  void forEachWindow(Callback callback) {
+    for (const app::Edition &edition : app::kEditions) {
+      for (const Language lang : kLanguages) {
+        const std::string where =
+            std::string(edition.oem) + " in " + i18n::getLanguageType(lang) + ": ";
+        for (const bool settings : {false, true}) {
+          const Opened opened =
+              settings ? openSettingsIn(edition, lang) : openLoginIn(edition, lang);
+          callback((settings ? "settings window, " : "login window, ") + where, opened);
+          [opened.window orderOut:nil];
+        }
+      }
+    }
+  }
+
+  std::vector<std::string> allTextFindings() {
+    std::vector<std::string> all;
+    forEachWindow([&](const std::string &where, const Opened &opened) {
+      for (const std::string &line : textFindings(opened.window, opened.owner)) {
+        all.push_back(where + line);
+      }
+    });
+    return all;
+  }
+};
+
+TEST_F(Fit, EveryTextHasItsRoomInAllEditionsAndLanguages) {
+  for (const std::string &line : allTextFindings()) ADD_FAILURE() << line;
+}
+
+TEST_F(Fit, FindsTextsLengthenedBy40PercentInBothWindows) {
+  auto catalogue = nlohmann::json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
+  for (auto &entry : catalogue) {
+    for (auto &group : entry) {
+      for (auto &text : group) text = longer(text.get<std::string>(), 0.4);
+    }
+  }
+  setCatalogue(catalogue.dump());
+  const std::vector<std::string> findings = allTextFindings();
+  for (const char *window : {"login window", "settings window"}) {
+    EXPECT_TRUE(std::ranges::any_of(findings, [&](const std::string &line) {
+      return line.starts_with(window);
+    })) << window;
+  }
+}
+
+/// Sets what the control shows; in a pop-up, the title of its last item.
+void show(NSView *control, const std::string &text) {
+  NSString *string = app::nsString(text);
+  if ([control isKindOfClass:[NSPopUpButton class]]) {
+    [[static_cast<NSPopUpButton *>(control) lastItem] setTitle:string];
+  } else if ([control isKindOfClass:[NSButton class]]) {
+    [static_cast<NSButton *>(control) setTitle:string];
+  } else {
+    [static_cast<NSTextField *>(control) setStringValue:string];
+  }
+}
+
+// However much room a control has: the longest text that it takes is found when lengthened.
+TEST_F(Fit, FindsATextLengthenedBy40PercentInEachControl) {
+  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
+                               openSettingsIn(app::kEditions[0], Language::En)}) {
+    for (NSView *control : controlsOf(opened.window)) {
+      if ([control isKindOfClass:[NSBox class]] || [control isKindOfClass:[NSImageView class]]) {
+        continue;
+      }
+      const std::string name = nameOf(control, opened.owner);
+      std::string text;
+      while (textFindings(opened.window, opened.owner).empty()) {
+        text += text.size() % 8 == 7 ? " " : "n";
+        show(control, text);
+      }
+      text.pop_back();
+      show(control, text);
+      EXPECT_EQ(textFindings(opened.window, opened.owner).size(), 0U) << name;
+      show(control, longer(text, 0.4));
+      const std::vector<std::string> findings = textFindings(opened.window, opened.owner);
+      ASSERT_EQ(findings.size(), 1U) << name;
+      EXPECT_EQ(findings[0].find(name + " \""), 0U) << findings[0];
+      EXPECT_NE(findings[0].find(" missing"), std::string::npos) << findings[0];
+      show(control, "");
+    }
+  }
+}
+
+TEST_F(Fit, FindsAWindowTitleThatIsTooLong) {
+  const Opened login = openLoginIn(app::kEditions[0], Language::En);
+  [login.window setTitle:app::nsString(std::string(60, 'n'))];
+  EXPECT_EQ(textFindings(login.window, login.owner).size(), 1U);
+}
+
+TEST_F(Fit, ControlsKeepTheMarginsAndTheirDistance) {
+  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
+                               openSettingsIn(app::kEditions[0], Language::En)}) {
+    EXPECT_EQ(layoutFindings(opened.window, opened.owner), std::vector<std::string>());
+    NSView *last = controlsOf(opened.window).back();
+    [last setFrameOrigin:NSMakePoint(NSMinX([last frame]) - 5, NSMinY([last frame]) - 1)];
+    EXPECT_EQ(layoutFindings(opened.window, opened.owner).size(), 2U) << "moved";
+  }
+}
+
+/// The controls of a row, a label first if there is one.
+using Row = std::vector<const char *>;
+
+void checkAlignment(id owner, const std::vector<Row> &rows) {
+  std::set<CGFloat> labelEnds, fieldStarts;
+  for (const Row &row : rows) {
+    const NSRect first = visibleFrame(outlet<NSView>(owner, row[0]));
+    const bool hasLabel = std::string_view(row[0]).ends_with("_label");
+    if (hasLabel) labelEnds.insert(NSMaxX(first));
+    fieldStarts.insert(NSMinX(visibleFrame(outlet<NSView>(owner, row[hasLabel ? 1 : 0]))));
+    for (const char *name : row) {
+      EXPECT_NEAR(NSMidY(visibleFrame(outlet<NSView>(owner, name))), NSMidY(first), 1) << name;
+    }
+  }
+  EXPECT_EQ(labelEnds.size(), 1U);
+  EXPECT_EQ(fieldStarts.size(), 1U);
+}
+
+TEST_F(Fit, LabelsEndAndFieldsBeginOnOneLineAndEachRowHasOneMiddle) {
+  checkAlignment(openLoginIn(app::kEditions[0], Language::En).owner,
+                 {{"username_label", "username"}, {"password_label", "password"}});
+  checkAlignment(openSettingsIn(app::kEditions[0], Language::En).owner,
+                 {{"language_label", "selectLanguage"},
+                  {"server_label", "mode"},
+                  {"servername"},
+                  {"port_label", "port"},
+                  {"testChoice", "TestButton", "testStatus"},
+                  {"reset_settings"},
+                  {"MDM_profile"}});
+}
+
+TEST_F(Fit, TitlesOfPopUpsBeginOnOneLineAlsoWhereOneLanguageIsOffered) {
+  for (const app::Edition &edition : app::kEditions) {
+    const id owner = openSettingsIn(edition, Language::En).owner;
+    std::set<CGFloat> starts;
+    for (const char *name : {"selectLanguage", "mode", "testChoice"}) {
+      NSPopUpButton *popUp = outlet<NSPopUpButton>(owner, name);
+      starts.insert(NSMinX([[popUp cell] titleRectForBounds:[popUp bounds]]));
+    }
+    EXPECT_EQ(starts.size(), 1U) << edition.oem;
+    EXPECT_GE(*starts.begin(), 8) << edition.oem;
+  }
+}
+
+TEST_F(Fit, TheHeadingIsBold) {
+  const id owner = openSettingsIn(app::kEditions[0], Language::En).owner;
+  NSFont *font = [outlet<NSTextFieldCell>(owner, "setting_label") font];
+  EXPECT_TRUE([[NSFontManager sharedFontManager] traitsOfFont:font] & NSBoldFontMask);
+}
+
+TEST_F(Fit, WindowsHaveAFixedSizeAndOpenInTheMiddleOfTheScreen) {
+  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
+                               openSettingsIn(app::kEditions[0], Language::En)}) {
+    EXPECT_EQ([opened.window styleMask], NSTitledWindowMask | NSClosableWindowMask);
+    const NSRect screen = [[NSScreen mainScreen] frame];
+    EXPECT_TRUE(NSContainsRect(screen, [opened.window frame]));
+    EXPECT_NEAR(NSMidX([opened.window frame]), NSMidX(screen), 1);
+  }
+}
+
+void collectTexts(NSView *view, std::vector<NSTextField *> &texts) {
+  for (NSView *subview in [view subviews]) {
+    if ([subview isKindOfClass:[NSTextField class]]) {
+      texts.push_back(static_cast<NSTextField *>(subview));
+    }
+    collectTexts(subview, texts);
+  }
+}
+
+/// The start-up alert, laid out.
+NSAlert *refusal(const std::string &title, const std::string &name) {
+  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+  [[alert window] setTitle:app::nsString(title)];
+  [alert setMessageText:app::nsString(app::notAdminMessage(title, name))];
+  [alert addButtonWithTitle:@"Quit"];
+  // GNUstep's alert has no -layout; it lays itself out right before it runs.
+  const SEL layout = [alert respondsToSelector:@selector(layout)]
+                         ? @selector(layout)
+                         : NSSelectorFromString(@"_setupPanel");
+  [alert performSelector:layout];
+  return alert;
+}
+
+/// What is wrong with the refusal of that user, in a line; nothing when all is shown.
+std::string refusalFinding(const std::string &title, const std::string &name) {
+  NSWindow *window = [refusal(title, name) window];
+  const NSSize size = [window frame].size;
+  if (size.width > 1280 || size.height > 900) return "larger than the screen";
+  std::vector<NSTextField *> texts;
+  collectTexts([window contentView], texts);
+  for (NSTextField *text : texts) {
+    if (app::utf8([text stringValue]).find(name) == std::string::npos) continue;
+    const NSRect frame = [text frame];
+    const CGFloat needed = wrappedHeight([text attributedStringValue], NSWidth(frame) - 4);
+    return needed > NSHeight(frame) ? "text is cut" : "";
+  }
+  return "does not name the user";
+}
+
+using FitDeathTest = Fit;
+
+// In processes of their own: GNUstep's alert launches the application once more.
+TEST_F(FitDeathTest, TheRefusalOfALongUserNameWrapsAndStaysOnTheScreen) {
+  for (const app::Edition &edition : app::kEditions) {
+    EXPECT_EXIT(
+        {
+          const std::string finding =
+              refusalFinding(std::string(edition.appName), std::string(60, 'm'));
+          std::fprintf(stderr, "finding: '%s'\n", finding.c_str());
+          std::exit(finding.empty() ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "finding: ''");
+  }
+}
+
+}  // namespace
+}  // namespace windowtest

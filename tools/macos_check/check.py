@@ -1,0 +1,299 @@
+"""Cross-builds the program for macOS and checks the linked files. Called by script/check-macos."""
+
+import argparse
+import json
+import plistlib
+import re
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+import api
+import interface_files
+import macho
+
+ROOT = Path(__file__).resolve().parents[2]
+ARCHITECTURES = ("arm64", "x86_64")
+# No Mac with an Apple processor runs anything older.
+FIRST_SYSTEM = {"arm64": "11.0", "x86_64": "10.0"}
+FOREIGN = re.compile(rb"gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx", re.IGNORECASE)
+ICON_TYPES = {"is32", "s8mk", "il32", "l8mk", "ic07", "ic08", "ic09", "ic10", "ic11", "ic12", "ic13",
+              "ic14"}
+
+
+class BuildFailed(Exception):
+    """Carries the compiler's and linker's own words."""
+
+
+def run(*command):
+    done = subprocess.run([str(part) for part in command], text=True, errors="replace",
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    if done.returncode != 0:
+        raise BuildFailed(done.stdout)
+    return done.stdout
+
+
+class CrossBuild:
+    """One build tree per architecture, and the universal bundles made of both."""
+
+    def __init__(self, source, folder, rows):
+        self.source, self.folder, self.rows = source, folder, rows
+        self.declared = folder / "api"
+        self.apps = folder / "apps"
+
+    def tree(self, architecture):
+        return self.folder / architecture
+
+    def make(self):
+        api.write_headers(self.declared, self.rows)
+        wanted = set()
+        for architecture in ARCHITECTURES:
+            wanted |= self.compile(architecture)
+        # What the C++ library must supply is known only now.
+        api.write_stubs(self.declared, self.rows, sorted(wanted))
+        for architecture in ARCHITECTURES:
+            run("ninja", "-C", self.tree(architecture))
+        shutil.rmtree(self.apps, ignore_errors=True)
+        for bundle in sorted(self.tree("arm64").glob("apps/*.app")):
+            self.join(bundle)
+
+    def compile(self, architecture):
+        """Compiles every source; the symbols that the objects leave undefined."""
+        tree, toolchain = self.tree(architecture), ROOT / "platform/macos/toolchain.cmake"
+        made = tree / "CMakeCache.txt"
+        if not made.exists() or made.stat().st_mtime < toolchain.stat().st_mtime:
+            run("cmake", "--fresh", "-S", self.source, "-B", tree, "-G", "Ninja",
+                "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF", f"-DCMAKE_TOOLCHAIN_FILE={toolchain}",
+                f"-DCMAKE_CXX_COMPILER={ROOT / 'platform/macos/toolchain/c++'}",
+                f"-DCMAKE_OBJCXX_COMPILER={ROOT / 'platform/macos/toolchain/c++'}",
+                f"-DMAC_ARCHITECTURE={architecture}", f"-DMAC_API={self.declared}")
+        run("ninja", "-C", tree, "build.ninja")
+        objects = re.findall(r"^(.+\.o): ", run("ninja", "-C", tree, "-t", "targets", "all"),
+                             re.MULTILINE)
+        run("ninja", "-C", tree, "-k", "0", *objects)
+        return set(macho.undefined([tree / o for o in objects]))
+
+    def join(self, bundle):
+        universal = self.apps / bundle.name
+        shutil.copytree(bundle, universal)
+        program = Path("Contents/MacOS") / bundle.stem
+        macho.tool("lipo", "-create", "-output", universal / program,
+                   *(self.tree(a) / "apps" / bundle.name / program for a in ARCHITECTURES))
+
+    def sources(self):
+        """The text of every file that stands in a folder of compiled sources."""
+        commands = json.loads((self.tree("arm64") / "compile_commands.json").read_text())
+        folders = {Path(c["file"]).parent for c in commands}
+        return "\n".join(f.read_text(encoding="utf-8") for folder in sorted(folders)
+                         for f in sorted(folder.iterdir()) if f.suffix in (".h", ".mm", ".cpp"))
+
+
+class Bundle:
+    """A universal bundle and the slices of its executable."""
+
+    def __init__(self, path, scratch):
+        self.path = path
+        self.title = path.stem
+        self.program = path / "Contents/MacOS" / self.title
+        self.info = plistlib.loads((path / "Contents/Info.plist").read_bytes())
+        self.slices = [macho.Slice(self.program, a, scratch)
+                       for a in macho.architectures(self.program)]
+
+    def minimum(self, architecture):
+        """The oldest system on which that slice is to start."""
+        return max(self.info["LSMinimumSystemVersion"], FIRST_SYSTEM[architecture], key=api.version)
+
+
+def plain(symbol):
+    """A symbol without the marks that Intel's C library adds for the kind of file numbers."""
+    return symbol.split("$")[0] if not symbol.startswith("_OBJC_") else symbol
+
+
+def row_of(symbol, named):
+    """The row that lists a symbol, by itself or by its beginning."""
+    name = plain(symbol)
+    if name in named:
+        return named[name]
+    return next((r for n, r in named.items() if n.endswith("*") and name.startswith(n[:-1])), None)
+
+
+class Checks:
+    """Each check_... method yields what it found; its first line says what it holds."""
+
+    def __init__(self, build, bundles):
+        self.build, self.bundles, self.rows = build, bundles, build.rows
+        self.named = api.symbols(self.rows)
+        self.slices = [(b, s) for b in bundles for s in b.slices]
+        self.listed = {r.name for r in self.rows if r.kind == "method"}
+        self.sent = set().union(*(s.sent for _, s in self.slices))
+        self.own = set().union(*(s.implemented for _, s in self.slices))
+
+    def check_architectures(self):
+        """both architectures in every file"""
+        for bundle in self.bundles:
+            if [s.architecture for s in bundle.slices] != sorted(ARCHITECTURES):
+                yield f"{bundle.title}: holds {[s.architecture for s in bundle.slices]}"
+
+    def check_libraries(self):
+        """only the system's libraries, by their real names"""
+        known = set(api.install_names(self.rows).values())
+        for bundle, part in self.slices:
+            for dylib in sorted(set(part.libraries) - known):
+                yield f"{bundle.title} ({part.architecture}): loads {dylib}"
+
+    def check_minimum_system(self):
+        """minimum system as the property list states"""
+        for bundle, part in self.slices:
+            wanted = bundle.minimum(part.architecture)
+            if part.minimum_system != wanted:
+                yield (f"{bundle.title} ({part.architecture}): built for {part.minimum_system}, "
+                       f"stated {wanted}")
+
+    def check_symbols(self):
+        """undefined symbols are listed, and as old as the minimum system or weak"""
+        for bundle, part in self.slices:
+            for symbol in part.undefined:
+                row = row_of(symbol.name, self.named)
+                where = f"{bundle.title} ({part.architecture}): {symbol.name}"
+                if row is None:
+                    yield f"{where} is not listed"
+                elif symbol.dylib != row.dylib:
+                    yield f"{where} comes from {symbol.dylib}, listed for {row.dylib}"
+                elif not symbol.weak and (api.version(row.introduced)
+                                          > api.version(bundle.minimum(part.architecture))):
+                    yield f"{where} came with macOS {row.introduced}"
+
+    def check_selectors(self):
+        """selectors sent are listed, or the program's own"""
+        for selector in sorted(self.sent - self.listed - {name for _, name in self.own}):
+            yield f"{selector} is sent, but not listed"
+
+    def check_own_methods(self):
+        """every method that no header declares is called by the program or by macOS"""
+        declared = {name for c in interface_files.read_headers(self.build.source).values()
+                    for name in c.methods}
+        for owner, selector in sorted(self.own):
+            if selector not in self.sent | self.listed | declared:
+                yield f"{owner} has {selector}, which nobody calls"
+
+    def check_foreign_names(self):
+        """no name of the development system"""
+        for bundle in self.bundles:
+            for path in sorted(p for p in bundle.path.rglob("*") if p.is_file()):
+                for name in sorted(set(FOREIGN.findall(path.read_bytes()))):
+                    yield f"{path.relative_to(bundle.path.parent)}: holds {name.decode()}"
+
+    def check_editions(self):
+        """every edition has its own bundle, and its own oem inside"""
+        text = (ROOT / "app/edition.h").read_text(encoding="utf-8")
+        oems = dict(zip(re.findall(r'\.appName = "([^"]*)"', text), re.findall(r'\.oem = "([^"]*)"', text)))
+        for bundle, part in self.slices:
+            if part.edition() != oems.get(bundle.title):
+                yield f"{bundle.title} ({part.architecture}): oem is {part.edition()}"
+        if self.build.source == ROOT:
+            yield from (f"{title}: no bundle" for title in
+                        sorted(set(oems) - {b.title for b in self.bundles}))
+
+    def check_bundles(self):
+        """property list and icon are complete"""
+        for bundle in self.bundles:
+            expected = {"CFBundleExecutable": bundle.title, "CFBundleName": bundle.title,
+                        "NSPrincipalClass": "NSApplication", "NSHighResolutionCapable": True}
+            for key, value in expected.items():
+                if bundle.info.get(key) != value:
+                    yield f"{bundle.title}: {key} is {bundle.info.get(key)}"
+            if "NSMainNibFile" in bundle.info:
+                yield f"{bundle.title}: names an NSMainNibFile, which the program loads itself"
+            icon = bundle.path / "Contents/Resources" / f"{bundle.info['CFBundleIconFile']}.icns"
+            for kind in sorted(ICON_TYPES - icon_types(icon)):
+                yield f"{bundle.title}: icon has no {kind}"
+        identifiers = {b.info["CFBundleIdentifier"] for b in self.bundles}
+        if len(identifiers) != len(self.bundles):
+            yield f"bundle identifiers are not unique: {sorted(identifiers)}"
+
+    def check_list(self):
+        """every row of the list is used"""
+        undefined = {plain(u.name) for _, s in self.slices for u in s.undefined}
+        rows_of = {row_of(u.name, self.named) for _, s in self.slices for u in s.undefined}
+        called = self.sent | {name for _, name in self.own}
+        words = set(re.findall(r"\w+", self.build.sources()))
+        for row in self.rows:
+            if row.kind == "install-name" or row in rows_of:
+                continue
+            if row.kind == "method":
+                # The compiler turns some messages to the root class into calls of the runtime.
+                used = row.name in called or row.dylib == "libobjc" and row.name in words
+            elif row.kind in ("symbol", "extern"):
+                used = "_" + row.name in undefined
+            else:
+                others = " ".join(r.declaration for r in self.rows if r is not row)
+                used = any(n in words or re.search(rf"\b{n}\b", others) for n in row.defines)
+            if not used:
+                yield f"{row.dylib}: nothing uses {row.declaration}"
+
+
+def icon_types(path):
+    """The types of the images in an icon file."""
+    data, types, at = path.read_bytes() if path.exists() else b"", set(), 8
+    while at < len(data):
+        types.add(data[at:at + 4].decode("latin-1"))
+        at += struct.unpack_from(">I", data, at + 4)[0]
+    return types
+
+
+def print_sizes(bundles):
+    print(f"{'universal bundle':<36}{'oem':<10}{'arm64':>9}{'x86_64':>9}{'file':>9}  minimum systems")
+    for bundle in bundles:
+        sizes = "".join(f"{len(s.data):>9}" for s in bundle.slices)
+        minimums = ", ".join(f"{s.architecture} {s.minimum_system}" for s in bundle.slices)
+        print(f"{bundle.title + '.app':<36}{bundle.slices[0].edition() or '?':<10}{sizes}"
+              f"{bundle.program.stat().st_size:>9}  {minimums}")
+
+
+def examine(build, report):
+    """Builds and runs every check; each answer goes to report(name, findings)."""
+    report("interface files have Xcode's form and fit their classes",
+           interface_files.check(build.source))
+    try:
+        build.make()
+    except BuildFailed as failure:
+        errors = re.findall(r"^.*\berror: .*$", str(failure), re.MULTILINE)
+        report("every source compiles and links against the listed API",
+               errors or str(failure).splitlines()[-20:])
+        return
+    report("every source compiles and links against the listed API", [])
+    with tempfile.TemporaryDirectory() as scratch:
+        bundles = [Bundle(p, scratch) for p in sorted(build.apps.glob("*.app"))]
+        checks = Checks(build, bundles)
+        for name, check in vars(Checks).items():
+            if name.startswith("check_"):
+                report(check.__doc__, list(check(checks)))
+        print()
+        print_sizes(bundles)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--source", type=Path, default=ROOT)
+    parser.add_argument("--build", type=Path, default=ROOT / "build/macos")
+    parser.add_argument("--api", type=Path, default=api.TABLE)
+    arguments = parser.parse_args()
+
+    failed = []
+
+    def report(name, findings):
+        print(f"{name:<76}{len(findings) or 'ok':>4}", flush=True)
+        failed.extend(f"{finding}" for finding in findings)
+
+    examine(CrossBuild(arguments.source.resolve(), arguments.build.resolve(),
+                       api.read(arguments.api)), report)
+    for finding in failed:
+        print(f"finding: {finding}", file=sys.stderr)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
