@@ -10,7 +10,7 @@ namespace app {
 /// do nothing, and a control that is silently left out is worse than no program.
 template <class Control>
 Control *requiredOutlet(Control *control, const char *name) {
-  if (control == nil) fatalError(std::string("outlet ") + name + " is not connected");
+  if (control == nullptr) fatalError(std::string("outlet ") + name + " is not connected");
   return control;
 }
 

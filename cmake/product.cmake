@@ -18,7 +18,12 @@ file(GLOB product_sources CONFIGURE_DEPENDS RELATIVE "${CMAKE_SOURCE_DIR}" app/*
      agent/*.cpp i18n/*.cpp)
 list(REMOVE_ITEM product_sources app/build_edition.cpp agent/shell.cpp)
 file(GLOB plain_headers CONFIGURE_DEPENDS app/*.h settings/*.h agent/*.h i18n/*.h)
-list(FILTER plain_headers EXCLUDE REGEX "/(AppDelegate|ServerWindowController|outlet|ns_string)\\.h$")
+foreach(header IN LISTS plain_headers)
+  file(STRINGS "${header}" imports REGEX "^#import" LIMIT_COUNT 1)
+  if(imports)
+    list(REMOVE_ITEM plain_headers "${header}")
+  endif()
+endforeach()
 
 # Every plain header is compiled on its own, as C++.
 set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
