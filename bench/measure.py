@@ -16,7 +16,9 @@ from pathlib import Path
 
 from expected_commands import server_plist
 from driver.interface import Interface
-from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, LAB, SERVER_PLIST, STATE, Machine
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, AGENT, DAEMON, SERVER_PLIST, STATE, Machine
+from driver.paths import LAB
 from driver.screen import Display, Program
 from observer import IN_MODIFY, IN_OPEN, FileWatch, Observer, end_of
 from table import print_table

@@ -1,7 +1,9 @@
 # Reads the edition table of app/edition.h, so that the build has no list of its own.
 #
 # Sets EDITIONS to the oem values and, for each, EDITION_TITLE_<oem> and EDITION_IDENTIFIER_<oem>: the
-# bundle identifier of the utility, which stands beside that of the agent it configures.
+# bundle identifier of the utility, which is next to that of the agent it configures.
+#
+# Writes the table to ${CMAKE_BINARY_DIR}/editions.tsv for scripts, lab and tests.
 
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/edition.h")
 
@@ -13,15 +15,31 @@ endfunction()
 
 _read_column(oem EDITIONS)
 _read_column(appName _titles)
+_read_column(captionName _names)
+_read_column(installFolder _folders)
 _read_column(profileIdentifier _identifiers)
-list(LENGTH EDITIONS _count)
-list(LENGTH _titles _title_count)
-list(LENGTH _identifiers _identifier_count)
-if(NOT _count OR NOT _count EQUAL _title_count OR NOT _count EQUAL _identifier_count)
-  message(FATAL_ERROR "app/edition.h: cannot read the edition table")
-endif()
 
-foreach(_oem _title _identifier IN ZIP_LISTS EDITIONS _titles _identifiers)
+# "Language::En, Language::Fr" becomes "en,fr"; German alone is not named by its code.
+file(READ "${CMAKE_SOURCE_DIR}/app/edition.h" _header)
+string(REGEX MATCHALL "\\.languages = {{[^}]*}" _languages "${_header}")
+list(TRANSFORM _languages REPLACE "^[^{]*{{" "")
+list(TRANSFORM _languages REPLACE "[^,]*::|[ \n}]" "")
+list(TRANSFORM _languages TOLOWER)
+list(TRANSFORM _languages REPLACE "ge" "de")
+
+list(LENGTH EDITIONS _count)
+foreach(_column _titles _names _folders _identifiers _languages)
+  list(LENGTH ${_column} _length)
+  if(NOT _count OR NOT _length EQUAL _count)
+    message(FATAL_ERROR "app/edition.h: cannot read the edition table")
+  endif()
+endforeach()
+
+set(_table "# oem\tname\twindow title\tinstall folder\tidentifier of the agent's profile\tlanguages\n")
+foreach(_oem _name _title _folder _identifier _codes
+        IN ZIP_LISTS EDITIONS _names _titles _folders _identifiers _languages)
   set(EDITION_TITLE_${_oem} "${_title}")
   string(REGEX REPLACE "\\.agent$" ".configuration-utility" EDITION_IDENTIFIER_${_oem} "${_identifier}")
+  string(APPEND _table "${_oem}\t${_name}\t${_title}\t${_folder}\t${_identifier}\t${_codes}\n")
 endforeach()
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/editions.tsv" CONTENT "${_table}" @ONLY)

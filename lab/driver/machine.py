@@ -9,8 +9,8 @@ from dataclasses import dataclass
 from pathlib import Path
 from typing import Iterable, NamedTuple
 
-REPOSITORY = Path(__file__).resolve().parents[2]
-LAB = REPOSITORY / "lab"
+from .paths import LAB
+
 STATE = Path("/var/lab")
 PREFERENCES = Path("/Library/Preferences/ZentavoAgent")
 SERVER_PLIST = PREFERENCES / "server.plist"
@@ -24,24 +24,6 @@ class Account:
     name: str
     uid: int
     password: str
-
-
-@dataclass(frozen=True)
-class Edition:
-    """One row of lab/editions."""
-
-    oem: str
-    title: str
-    folder: str
-    profile: str
-
-    @property
-    def program(self) -> Path:
-        return Path("/Applications/Utilities") / f"{self.title}.app" / self.title
-
-    @property
-    def settings(self) -> Path:
-        return Path(self.folder) / "SystemAgent/settings"
 
 
 class Command(NamedTuple):
@@ -62,18 +44,14 @@ DAEMON = Job("system", "com.quorvix.SystemAgentDaemon")
 AGENT = Job("user/501", "com.quorvix.SystemAgentUX")
 
 
-def _rows(table: str) -> list[str]:
-    return [line for line in (LAB / table).read_text().splitlines() if not line.startswith("#")]
-
-
 def _accounts() -> Iterable[Account]:
-    for row in _rows("accounts"):
-        name, uid, _, password = row.split()
-        yield Account(name, int(uid), password)
+    for row in (LAB / "accounts").read_text().splitlines():
+        if not row.startswith("#"):
+            name, uid, _, password = row.split()
+            yield Account(name, int(uid), password)
 
 
 ACCOUNTS = {account.name: account for account in _accounts()}
-EDITIONS = {row.split("|")[0]: Edition(*row.split("|")) for row in _rows("editions")}
 
 
 def _in_order(records: list[dict]) -> list[dict]:
@@ -162,7 +140,7 @@ class Machine:
         os.chown(SERVER_PLIST, ACCOUNTS["alice"].uid, -1)
 
 
-def listen(address: str = "127.0.0.1") -> socket.socket:
-    """A listening TCP socket on a free port; close it to end it."""
+def listen(address: str = "127.0.0.1", port: int = 0) -> socket.socket:
+    """A listening TCP socket, on a free port unless one is given; close it to end it."""
     family = socket.AF_INET6 if ":" in address else socket.AF_INET
-    return socket.create_server((address, 0), family=family)
+    return socket.create_server((address, port), family=family)

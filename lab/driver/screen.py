@@ -6,8 +6,9 @@ import re
 import subprocess
 from pathlib import Path
 
+from .editions import EDITIONS, Edition
 from .interface import Interface
-from .machine import EDITIONS, LAB, Edition
+from .paths import LAB
 from .waiting import wait_until
 
 WHITE = (255, 255, 255)

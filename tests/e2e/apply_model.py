@@ -17,7 +17,8 @@ from expected_commands import (
     stop_agent,
     stop_daemon,
 )
-from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, Account, Command, Job
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, AGENT, DAEMON, Account, Command, Job
 from status_messages import FAILED, SAID
 
 ALICE = ACCOUNTS["alice"]

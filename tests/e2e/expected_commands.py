@@ -1,6 +1,7 @@
 """The commands that the program is expected to run, word for word, as the journal shows them."""
 
-from driver.machine import Account, Command, Edition
+from driver.editions import Edition
+from driver.machine import Account, Command
 
 DAEMON_FILE = "/Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist"
 AGENT_FILE = "/Library/LaunchAgents/com.quorvix.SystemAgentUX.plist"

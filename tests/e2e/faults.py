@@ -6,7 +6,8 @@ from pathlib import Path
 from typing import NamedTuple
 
 from expected_commands import server_plist
-from driver.machine import AGENT, DAEMON, EDITIONS, PREFERENCES, SERVER_PLIST, STATE, Command
+from driver.editions import EDITIONS
+from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, STATE, Command
 from driver.waiting import wait_until
 from apply_model import ALICE, NOISE, Place, Rehearsal
 from status_messages import WRITE_ERROR

@@ -18,7 +18,8 @@ from expected_commands import (
     stop_agent,
     stop_daemon,
 )
-from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, PREFERENCES, SERVER_PLIST
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, AGENT, DAEMON, PREFERENCES, SERVER_PLIST
 from status_messages import FAILED, SAID, WRITE_ERROR, said
 
 ALICE = ACCOUNTS["alice"]

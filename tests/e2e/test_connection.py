@@ -2,7 +2,8 @@
 
 import pytest
 from expected_commands import connection_test, profile_check, server_plist
-from driver.machine import ACCOUNTS, EDITIONS, SERVER_PLIST, listen
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, SERVER_PLIST, listen
 
 ALICE = ACCOUNTS["alice"]
 LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])

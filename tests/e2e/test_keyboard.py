@@ -13,7 +13,8 @@ from expected_commands import (
     start_daemon,
 )
 from driver.keyboard import KeyboardDisplay, choose_with_keys, has_selected_text, wait_for_keyboard
-from driver.machine import ACCOUNTS, EDITIONS, SERVER_PLIST, listen
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, SERVER_PLIST, listen
 
 ALICE = ACCOUNTS["alice"]
 OLD = server_plist("en", "192.0.2.1", "4000", False)

@@ -4,7 +4,9 @@ import subprocess
 import time
 
 import pytest
-from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, LAB, Command, listen
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, AGENT, DAEMON, Command, listen
+from driver.paths import LAB
 
 DAEMON_FILE = "/Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist"
 AGENT_FILE = "/Library/LaunchAgents/com.quorvix.SystemAgentUX.plist"

@@ -10,7 +10,8 @@ from expected_commands import (
     start_agent,
     start_daemon,
 )
-from driver.machine import ACCOUNTS, AGENT, DAEMON, EDITIONS, SERVER_PLIST
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, AGENT, DAEMON, SERVER_PLIST
 
 # What each edition makes of a stored language.
 STORED = ("en", "fr", "it", "de", "es", "EN", "")

@@ -6,7 +6,9 @@ import subprocess
 
 import pytest
 from expected_commands import profile_check
-from driver.machine import ACCOUNTS, EDITIONS, LAB
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS
+from driver.paths import LAB
 
 every_edition = pytest.mark.parametrize("edition", EDITIONS)
 

@@ -7,10 +7,10 @@ import uuid
 from pathlib import Path
 
 import pytest
-from driver.machine import LAB, REPOSITORY
+from driver.paths import LAB, REPOSITORY
 from driver.waiting import wait_until
 
-BUILD = Path(os.environ.get("LAB_BUILD", REPOSITORY / "build"))
+BUILD = Path(os.environ.get("BUILD", REPOSITORY / "build"))
 RUN = [LAB / "run", "--build", BUILD, "--"]
 CHANGES = """
     touch /dev/$MARK /etc/$MARK /run/$MARK /tmp/$MARK /usr/bin/$MARK /var/lib/$MARK ~root/$MARK

@@ -1,0 +1,35 @@
+"""The editions of the build that the lab was made for."""
+
+from dataclasses import dataclass
+from pathlib import Path
+
+TABLE = Path("/usr/libexec/lab/editions.tsv")
+
+
+@dataclass(frozen=True)
+class Edition:
+    """One row of the build's editions.tsv."""
+
+    oem: str
+    name: str
+    title: str
+    folder: str
+    profile: str
+    languages: tuple[str, ...]
+
+    @property
+    def program(self) -> Path:
+        return Path("/Applications/Utilities") / f"{self.title}.app" / self.title
+
+    @property
+    def settings(self) -> Path:
+        return Path(self.folder) / "SystemAgent/settings"
+
+
+def _read(table: Path) -> dict[str, Edition]:
+    lines = [line for line in table.read_text().splitlines() if not line.startswith("#")]
+    rows = [line.split("\t") for line in lines]
+    return {row[0]: Edition(*row[:5], languages=tuple(row[5].split(","))) for row in rows}
+
+
+EDITIONS = _read(TABLE)
