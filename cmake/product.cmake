@@ -45,6 +45,7 @@ add_platform_library(admin_checks app/local_admin.mm)
 add_platform_library(
   window_controllers
   app/AppDelegate.mm
+  app/EditingKeysView.mm
   settings/ServerWindowController.mm
   "settings/ServerWindowController+Apply.mm"
   "settings/ServerWindowController+ConnectionTest.mm"
