@@ -108,8 +108,8 @@ def sizes(program: Path) -> tuple[float, ...]:
 
 
 def size_rows(ours: Path, beside: Path) -> list[Row]:
-    whats = ("executable, as built", "executable, stripped", "bundle with the stripped one")
-    rows = zip(whats, sizes(ours), sizes(beside))
+    labels = ("executable, as built", "executable, stripped", "bundle with the stripped one")
+    rows = zip(labels, sizes(ours), sizes(beside))
     return [compare(what, [a], beside.name, [b], NO_LIMIT, kilobytes) for what, a, b in rows]
 
 
