@@ -170,7 +170,7 @@ ShellResult runShellCommand(const std::string &shell, const std::string &command
   if (mode == ShellMode::Status) result.status = status;
   if (mode == ShellMode::Capture) {
     result.text = readToEnd(readEnd.get());
-    if (!isUtf8(result.text)) app::fatalError("output is not UTF-8: " + command);
+    if (!isUtf8(result.text)) app::fatalError("output of " + shell + " is not UTF-8");
   }
   return result;
 }

@@ -1,9 +1,12 @@
 #include "app/diagnostics.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
 namespace app {
+
+void ignoreBrokenPipes() { std::signal(SIGPIPE, SIG_IGN); }
 
 void printLine(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stdout);

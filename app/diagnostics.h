@@ -5,8 +5,13 @@
 
 namespace app {
 
-/// Writes one remark and a line end to standard output and flushes it, so that it stands in true
-/// order with what the commands write to the same place. A failed write is ignored.
+/// From now on a write to a pipe or socket that nobody reads any more fails, instead of ending the
+/// process by SIGPIPE. First thing in `main`: when the reader of its output leaves in the middle of
+/// Apply, the program must still start the jobs that it stopped.
+void ignoreBrokenPipes();
+
+/// Writes one status message and a newline to standard output and flushes it, so that it appears in
+/// the right order with what the commands write there. A failed write is ignored.
 void printLine(std::string_view text);
 
 /// A text output stream on standard error. It has no state and owns nothing.
@@ -16,8 +21,8 @@ struct StderrOutputStream {
 };
 
 /// Stops the process because of a programming error: `what` goes to standard error as one line
-/// ("fatal error: ..."), then abort(). `what` names the outlet, resource or command concerned.
-/// Remarks are not lost by it, since each was flushed.
+/// ("fatal error: ..."), then abort(). `what` names the outlet, resource or operation concerned and
+/// holds no value that may be secret. Status messages are not lost, since each was flushed.
 [[noreturn]] void fatalError(std::string_view what);
 
 }  // namespace app

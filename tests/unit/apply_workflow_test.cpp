@@ -1,8 +1,13 @@
 #include "settings/apply_workflow.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
 
 #include "agent/server_plist.h"
+#include "app/diagnostics.h"
 #include "doubles/fake_server_plist_path.h"
 #include "doubles/recording_shell.h"
 #include "doubles/scratch_folder.h"
@@ -182,6 +187,24 @@ TEST_F(Apply, GoesOnWhenTheFileCannotBeWritten) {
   EXPECT_EQ(apply().size(), 8U);
   EXPECT_NE(errors_.find("unable to write in "), std::string::npos) << errors_;
   EXPECT_TRUE(printed_.ends_with("Global Agent starts successfully.\n")) << printed_;
+}
+
+/// Ends the process with the number of commands that ran.
+[[noreturn]] void applyWithNoReaderOfTheOutput(const settings::ApplyRequest &request) {
+  std::signal(SIGPIPE, SIG_DFL);
+  app::ignoreBrokenPipes();
+  std::array<int, 2> ends{};
+  if (::pipe(ends.data()) != 0) ::_exit(99);
+  ::close(ends[0]);
+  ::dup2(ends[1], STDOUT_FILENO);
+  settings::applySettings(request);
+  ::_exit(static_cast<int>(recordingShell().commands.size()));
+}
+
+using ApplyDeathTest = Apply;
+
+TEST_F(ApplyDeathTest, GoesOnToTheLastCommandWhenTheReaderOfItsOutputHasLeft) {
+  EXPECT_EXIT(applyWithNoReaderOfTheOutput(request_), testing::ExitedWithCode(8), "");
 }
 
 TEST(ConsoleUserArguments, AreTakenOnlyWhenThereAreExactlyTwo) {

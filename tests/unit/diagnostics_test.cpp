@@ -1,11 +1,17 @@
 #include "app/diagnostics.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <regex>
 
 #include "app/error_log.h"
+#include "doubles/environment_variable.h"
 
 namespace {
 
@@ -34,28 +40,44 @@ TEST(ErrorLog, CutsAMessageAtANULAndStillEndsTheLine) {
   EXPECT_EQ(afterTime(logged(std::string("before\0after", 12))), " before\n");
 }
 
-TEST(ErrorLog, ShowsTheTimeOnA24HourClockWithMilliseconds) {
-  std::tm afternoon{.tm_sec = 9, .tm_min = 7, .tm_hour = 14, .tm_mday = 5, .tm_mon = 2};
-  afternoon.tm_year = 2024 - 1900;
-  afternoon.tm_isdst = -1;
-  const auto second = std::chrono::system_clock::from_time_t(std::mktime(&afternoon));
-  EXPECT_EQ(app::errorLogTime(second + std::chrono::microseconds(42500)),
-            "2024-03-05 14:07:09.042");
-  EXPECT_EQ(app::errorLogTime(second), "2024-03-05 14:07:09.000");
-  EXPECT_EQ(app::errorLogTime(second - std::chrono::hours(14)), "2024-03-05 00:07:09.000");
+/// Ends the process after writing the times of three moments: 30 December 2024, 23:30:00.0425,
+/// then 5 March 2024, 14:07:09, then 00:07:09 of the same day, all in UTC.
+[[noreturn]] void showThreeTimes() {
+  using std::chrono::system_clock;
+  const auto second = [](std::time_t count) { return system_clock::from_time_t(count); };
+  const std::string text =
+      app::errorLogTime(second(1735601400) + std::chrono::microseconds(42500)) + "\n" +
+      app::errorLogTime(second(1709647629)) + "\n" + app::errorLogTime(second(1709597229)) + "\n";
+  std::fputs(text.c_str(), stderr);
+  std::exit(0);
 }
 
-TEST(ErrorLog, ShowsLocalTime) {
-  const auto localTime = [] {
-    const std::time_t now = std::time(nullptr);
-    char text[20];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&now));
-    return std::string(text);
+TEST(ErrorLogDeathTest, ShowsLocalTimeOnA24HourClockWithMillisecondsAndTheCalendarYear) {
+  // The platform reads the time zone once, so each zone gets a process of its own.
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  struct {
+    const char *zone, *expected;
+  } const rows[] = {
+      {"UTC", "2024-12-30 23:30:00.042\n2024-03-05 14:07:09.000\n2024-03-05 00:07:09.000\n"},
+      {"Asia/Kathmandu",
+       "2024-12-31 05:15:00.042\n2024-03-05 19:52:09.000\n2024-03-05 05:52:09.000\n"},
+      {"America/St_Johns",
+       "2024-12-30 20:00:00.042\n2024-03-05 10:37:09.000\n2024-03-04 20:37:09.000\n"},
   };
-  const std::string before = localTime();
-  const std::string shown = logged("").substr(0, 19);
+  for (const auto &row : rows) {
+    const doubles::EnvironmentVariable zone("TZ", row.zone);
+    const doubles::EnvironmentVariable zoneOnDebian("GNUSTEP_TZ", row.zone);
+    EXPECT_EXIT(showThreeTimes(), testing::ExitedWithCode(0), std::string("^") + row.expected + "$")
+        << row.zone;
+  }
+}
+
+TEST(ErrorLog, ShowsTheTimeOfTheCall) {
+  using std::chrono::system_clock;
+  const std::string before = app::errorLogTime(system_clock::now());
+  const std::string shown = logged("").substr(0, before.size());
   EXPECT_LE(before, shown);
-  EXPECT_LE(shown, localTime());
+  EXPECT_LE(shown, app::errorLogTime(system_clock::now()));
 }
 
 TEST(Remarks, GoToStandardOutputAsOneLineEach) {
@@ -63,6 +85,18 @@ TEST(Remarks, GoToStandardOutputAsOneLineEach) {
   app::printLine("one");
   app::printLine("");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "one\n\n");
+}
+
+TEST(BrokenPipes, MakeAWriteFailAndDoNotEndTheProgram) {
+  const auto before = std::signal(SIGPIPE, SIG_DFL);
+  app::ignoreBrokenPipes();
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe(ends.data()), 0);
+  ::close(ends[0]);
+  EXPECT_EQ(::write(ends[1], "x", 1), -1);
+  EXPECT_EQ(errno, EPIPE);
+  ::close(ends[1]);
+  std::signal(SIGPIPE, before);
 }
 
 TEST(StderrStream, AddsNothing) {

@@ -8,11 +8,13 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <iterator>
 #include <thread>
 
 #include "agent/utf8.h"
+#include "app/diagnostics.h"
 #include "doubles/scratch_folder.h"
 
 namespace {
@@ -64,7 +66,9 @@ TEST(CaptureMode, TakesAsMuchAsAPipeHolds) {
 
 TEST(CaptureModeDeathTest, StopsTheProgramWhenTheOutputIsNotUTF8) {
   EXPECT_EXIT(capture("printf '\\xff'"), testing::KilledBySignal(SIGABRT),
-              "fatal error: output is not UTF-8: printf");
+              "^fatal error: output of /bin/bash is not UTF-8\n$");
+  EXPECT_EXIT(runShellCommand(agent::kSh, "printf '\\377'", ShellMode::Capture),
+              testing::KilledBySignal(SIGABRT), "^fatal error: output of /bin/sh is not UTF-8\n$");
 }
 
 TEST(StatusMode, ReturnsTheExitStatus) {
@@ -139,12 +143,19 @@ TEST(Shell, InheritsOnlyTheThreeStandardStreams) {
 TEST(Shell, GetsDefaultSignalHandlingAndAnEmptyMask) {
   const auto before = ::signal(SIGTERM, SIG_IGN);
   sigset_t term, old;
-  ::sigemptyset(&term);
-  ::sigaddset(&term, SIGTERM);
+  sigemptyset(&term);  // macros on macOS, so without a scope
+  sigaddset(&term, SIGTERM);
   ::sigprocmask(SIG_BLOCK, &term, &old);
   EXPECT_EQ(status("kill -TERM $$; exit 0"), SIGTERM);
   ::sigprocmask(SIG_SETMASK, &old, nullptr);
   ::signal(SIGTERM, before);
+}
+
+TEST(Shell, EndsByABrokenPipeThoughTheProgramDoesNot) {
+  const auto before = std::signal(SIGPIPE, SIG_DFL);
+  app::ignoreBrokenPipes();
+  EXPECT_EQ(status("kill -PIPE $$; exit 0"), SIGPIPE);
+  std::signal(SIGPIPE, before);
 }
 
 TEST(Shell, IsWaitedForAlsoWhenSignalsArrive) {
