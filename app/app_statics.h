@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "agent/accounts.h"
 #include "i18n/language.h"
 
 namespace app {
@@ -18,6 +20,8 @@ struct AppStatics {
   std::string user;    ///< administrator's name as typed at the last login attempt
   std::string pwd;     ///< password as typed at the last login attempt
   bool mdm_profile = false;
+  /// Named on the command line, else looked up by Apply.
+  std::optional<agent::ConsoleUser> consoleUser;
 };
 
 /// The one set of values, made from the build's edition on first use.

@@ -6,23 +6,15 @@
 #include "app/app_statics.h"
 #include "app/diagnostics.h"
 #include "app/local_admin.h"
-#include "app/not_admin_message.h"
+#include "app/not_admin_alert.h"
 #include "app/ns_string.h"
+#include "app/user_defaults.h"
+#include "settings/apply_workflow.h"
 
 namespace {
 
 /// Short name of the user who runs the program.
 std::string username;
-
-void showNotAdminAlert() {
-  const std::string &appName = app::appStatics().appName;
-  [NSApplication sharedApplication];  // the alert needs the window server
-  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-  [[alert window] setTitle:app::nsString(appName)];
-  [alert setMessageText:app::nsString(app::notAdminMessage(appName, username))];
-  [alert addButtonWithTitle:@"Quit"];
-  [alert runModal];
-}
 
 /// The top-level objects live as long as the program, so nobody releases them.
 void loadMainInterface(AppDelegate *owner) {
@@ -38,13 +30,17 @@ void loadMainInterface(AppDelegate *owner) {
 }  // namespace
 
 int main(int argc, const char *argv[]) {
+  app::ignoreBrokenPipes();
   NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
+  app::registerUserDefaults();
   username = app::utf8(NSUserName());
   if (!app::checkLocalAdminUser(username)) {
-    showNotAdminAlert();
+    app::showNotAdminAlert(app::appStatics().appName, username);
     [pool drain];
     return 0;
   }
+  // From argv: the platform's own list leaves out arguments that the platform knows.
+  app::appStatics().consoleUser = settings::consoleUserFromArguments({argv, argv + argc});
   AppDelegate *delegate = [[AppDelegate alloc] init];
   [[NSApplication sharedApplication] setDelegate:delegate];
   loadMainInterface(delegate);

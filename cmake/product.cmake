@@ -39,13 +39,15 @@ function(add_platform_library name)
   target_link_libraries(${name} PUBLIC product_core platform_api PRIVATE project_warnings platform_strict)
 endfunction()
 
-add_platform_library(foundation_adapters app/error_log.mm i18n/catalogue.mm settings/server_data.mm)
+add_platform_library(foundation_adapters app/error_log.mm app/user_defaults.mm i18n/catalogue.mm
+                     settings/server_data.mm)
 add_platform_library(server_plist_location agent/server_plist_path.mm)
 add_platform_library(admin_checks app/local_admin.mm)
 add_platform_library(
   window_controllers
   app/AppDelegate.mm
   app/EditingKeysView.mm
+  app/not_admin_alert.mm
   settings/ServerWindowController.mm
   "settings/ServerWindowController+Apply.mm"
   "settings/ServerWindowController+ConnectionTest.mm"

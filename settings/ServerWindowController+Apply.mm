@@ -1,7 +1,5 @@
 #import "settings/ServerWindowController.h"
 
-#include <vector>
-
 #include "app/app_statics.h"
 #include "app/ns_string.h"
 #include "app/outlet.h"
@@ -29,7 +27,7 @@
       .profile = statics.mdm_profile,
       .reset_settings = [OUTLET(reset_settings) state] == NSControlStateValueOn,
       .administrator = {.user = statics.user, .pwd = statics.pwd},
-      .consoleUser = settings::consoleUserFromArguments([self programArguments]),
+      .consoleUser = statics.consoleUser,
   });
   [[self window] setIsVisible:NO];
   [NSApp terminate:nil];
@@ -44,14 +42,6 @@
       settings::validateServer(serverText, [self serverIsIPAddress]);
   if (result == settings::ValidationResult::ClearServer) [servername setStringValue:@""];
   return result == settings::ValidationResult::Accept;
-}
-
-- (std::vector<std::string>)programArguments {
-  std::vector<std::string> arguments;
-  for (NSString *argument in [[NSProcessInfo processInfo] arguments]) {
-    arguments.push_back(app::utf8(argument));
-  }
-  return arguments;
 }
 
 @end

@@ -13,6 +13,11 @@ FakeDirectory &fakeDirectory() {
 
 namespace app {
 
+bool checkLocalAdminUser(const std::string &username) {
+  const auto &mayStart = doubles::fakeDirectory().mayStart;
+  return mayStart && mayStart(username);
+}
+
 bool authenticateLocalAdminUser(const std::string &username, const std::string &password) {
   const auto &authenticate = doubles::fakeDirectory().authenticate;
   return authenticate && authenticate(username, password);

@@ -3,11 +3,12 @@
 #include <functional>
 #include <string>
 
-/// Stands in for the local directory: who is an administrator is what a test says.
+/// Replaces the local directory: a test says who is an administrator.
 namespace doubles {
 
 struct FakeDirectory {
-  /// Nobody unless a test says otherwise.
+  // Nobody unless a test says otherwise.
+  std::function<bool(const std::string &username)> mayStart;
   std::function<bool(const std::string &username, const std::string &password)> authenticate;
 };
 

@@ -1,0 +1,207 @@
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <vector>
+
+#include "app/ns_string.h"
+#include "doubles/environment_variable.h"
+#include "doubles/fake_directory.h"
+#include "doubles/intercepted_method.h"
+#import "window/window_test.h"
+
+/// The program's own `main`, compiled under this name.
+int programMain(int argc, const char *argv[]);
+
+namespace windowtest {
+namespace {
+
+using doubles::InterceptedMethod;
+using Lines = std::vector<std::string>;
+
+/// What happened, in order.
+Lines theEvents;
+
+/// The arguments that the platform's own entry point got.
+Lines theForwardedArguments;
+
+NSAlert *theAlert = nil;
+
+NSInteger recordRunModal(id alert, SEL) {
+  theEvents.emplace_back("run the alert");
+  [theAlert release];
+  theAlert = [alert retain];
+  return NSAlertFirstButtonReturn;
+}
+
+void recordActivation(id, SEL, BOOL ignoringOthers) {
+  theEvents.emplace_back(ignoringOthers ? "activate above others" : "activate");
+}
+
+/// Only the first time: the platform asks again and again.
+id recordSharedApplication(id, SEL) {
+  if (std::ranges::count(theEvents, "application") == 0) theEvents.emplace_back("application");
+  return NSApp;
+}
+
+std::string registered(NSString *name) {
+  return app::utf8([[NSUserDefaults standardUserDefaults] stringForKey:name]);
+}
+
+bool brokenPipesAreIgnored() {
+  struct sigaction action {};
+  ::sigaction(SIGPIPE, nullptr, &action);
+  return action.sa_handler == SIG_IGN;
+}
+
+class ProgramEntry : public WindowTest {
+ protected:
+  void SetUp() override {
+    WindowTest::SetUp();
+    theEvents.clear();
+    theForwardedArguments.clear();
+    doubles::fakeDirectory().mayStart = [this](const std::string &name) {
+      theEvents.push_back("check " + name);
+      return isAdmin_;
+    };
+  }
+  void TearDown() override {
+    [theAlert release];
+    theAlert = nil;
+    WindowTest::TearDown();
+  }
+
+  static int run(std::vector<const char *> arguments) {
+    return programMain(static_cast<int>(arguments.size()), arguments.data());
+  }
+
+  bool isAdmin_ = true;
+
+ private:
+  InterceptedMethod runModal_ = InterceptedMethod::ofInstances(
+      [NSAlert class], @selector(runModal), reinterpret_cast<IMP>(recordRunModal));
+  InterceptedMethod activate_ =
+      InterceptedMethod::ofInstances([NSApplication class], @selector(activateIgnoringOtherApps:),
+                                     reinterpret_cast<IMP>(recordActivation));
+  InterceptedMethod sharedApplication_ =
+      InterceptedMethod::ofClass([NSApplication class], @selector(sharedApplication),
+                                 reinterpret_cast<IMP>(recordSharedApplication));
+};
+
+std::string nameOfThisUser() { return ::getpwuid(::geteuid())->pw_name; }
+
+TEST_F(ProgramEntry, ChecksTheAdministratorBeforeThereIsAnApplication) {
+  run({"program"});
+  EXPECT_EQ(theEvents, (Lines{"check " + nameOfThisUser(), "application", "main of the platform"}));
+}
+
+TEST_F(ProgramEntry, AsksTheSystemAndNotTheEnvironmentWhoRunsIt) {
+  const doubles::EnvironmentVariable user("USER", "somebody-else");
+  const doubles::EnvironmentVariable login("LOGNAME", "somebody-else");
+  run({"program"});
+  ASSERT_FALSE(theEvents.empty());
+  EXPECT_EQ(theEvents.front(), "check " + nameOfThisUser());
+}
+
+TEST_F(ProgramEntry, IgnoresBrokenPipesBeforeAnythingElseRuns) {
+  // The platform may have ignored the signal already, which would hide a missing call.
+  const auto before = std::signal(SIGPIPE, SIG_DFL);
+  bool ignored = false;
+  doubles::fakeDirectory().mayStart = [&](const std::string &) {
+    ignored = brokenPipesAreIgnored();
+    return true;
+  };
+  run({"program"});
+  std::signal(SIGPIPE, before);
+  EXPECT_TRUE(ignored);
+}
+
+TEST_F(ProgramEntry, RegistersItsDefaultsBeforeThereIsAnApplication) {
+  Lines values;
+  doubles::fakeDirectory().mayStart = [&](const std::string &) {
+    for (NSString *name :
+         {@"NSTreatUnknownArgumentsAsOpen", @"NSAutomaticQuoteSubstitutionEnabled",
+          @"NSAutomaticDashSubstitutionEnabled", @"NSAutomaticPeriodSubstitutionEnabled",
+          @"NSAutomaticTextReplacementEnabled", @"NSAutomaticSpellingCorrectionEnabled",
+          @"NSAutomaticCapitalizationEnabled"}) {
+      values.push_back(registered(name));
+    }
+    return true;
+  };
+  run({"program"});
+  EXPECT_EQ(values, Lines(7, "NO"));
+}
+
+TEST_F(ProgramEntry, HasTheDelegateAndItsWindowBeforeThePlatformsMain) {
+  [NSApp setDelegate:nil];
+  run({"program"});
+  AppDelegate *delegate = static_cast<AppDelegate *>([NSApp delegate]);
+  ASSERT_TRUE([delegate isKindOfClass:[AppDelegate class]]);
+  EXPECT_TRUE(outlet<NSWindow>(delegate, "window") != nil);
+}
+
+TEST_F(ProgramEntry, PassesEveryArgumentOn) {
+  run({"program", "one", "--two", "three"});
+  EXPECT_EQ(theForwardedArguments, (Lines{"program", "one", "--two", "three"}));
+}
+
+TEST_F(ProgramEntry, TakesTheConsoleUserFromExactlyTwoArguments) {
+  run({"program"});
+  EXPECT_FALSE(app::appStatics().consoleUser);
+  run({"program", "alice"});
+  EXPECT_FALSE(app::appStatics().consoleUser);
+  run({"program", "alice", "501", "more"});
+  EXPECT_FALSE(app::appStatics().consoleUser);
+  run({"program", "alice", "501"});
+  ASSERT_TRUE(app::appStatics().consoleUser);
+  EXPECT_EQ(app::appStatics().consoleUser->user, "alice");
+  EXPECT_EQ(app::appStatics().consoleUser->uid, "501");
+}
+
+TEST_F(ProgramEntry, TakesArgumentsThatThePlatformWouldKeepToItself) {
+  run({"program", "--GNU-Debug=x", "-NSDocumentRevisionsDebugMode"});
+  ASSERT_TRUE(app::appStatics().consoleUser);
+  EXPECT_EQ(app::appStatics().consoleUser->user, "--GNU-Debug=x");
+  EXPECT_EQ(app::appStatics().consoleUser->uid, "-NSDocumentRevisionsDebugMode");
+}
+
+TEST_F(ProgramEntry, RefusesOthersByAnAlertInFrontOfOtherWindowsAndEndsWithStatus0) {
+  isAdmin_ = false;
+  EXPECT_EQ(run({"program"}), 0);
+  EXPECT_EQ(theEvents, (Lines{"check " + nameOfThisUser(), "application", "activate above others",
+                              "run the alert"}));
+}
+
+TEST_F(ProgramEntry, RefusesUnderTheTitleOfTheEditionWithOneQuitButton) {
+  isAdmin_ = false;
+  becomeEdition("Tollwick");
+  run({"program"});
+  ASSERT_TRUE(theAlert != nil);
+  EXPECT_EQ(app::utf8([[theAlert window] title]), "Tollwick Configuration Utility");
+  EXPECT_EQ(app::utf8([theAlert messageText]),
+            "User " + nameOfThisUser() + " is not from local Admin group.\n\nL'utilisateur " +
+                nameOfThisUser() + " ne fait pas partie du groupe d'administrateurs local.");
+  ASSERT_EQ([[theAlert buttons] count], 1U);
+  EXPECT_EQ(app::utf8([[[theAlert buttons] objectAtIndex:0] title]), "Quit");
+}
+
+TEST_F(ProgramEntry, RefusesInFiveLanguagesUnderTheOskelTitle) {
+  isAdmin_ = false;
+  becomeEdition("Quorvix");
+  run({"program"});
+  ASSERT_TRUE(theAlert != nil);
+  EXPECT_EQ(app::utf8([[theAlert window] title]), "Oskel Configuration Utility");
+  EXPECT_NE(app::utf8([theAlert messageText]).find("Der Benutzer " + nameOfThisUser()),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace windowtest
+
+/// Takes the place of the platform's entry point, which would never return.
+int NSApplicationMain(int argc, const char *argv[]) {
+  windowtest::theEvents.emplace_back("main of the platform");
+  windowtest::theForwardedArguments.assign(argv, argv + argc);
+  return 0;
+}
