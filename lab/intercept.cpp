@@ -1,5 +1,5 @@
-// Stands in the lab in the place of a system command. It notes the call in the lab's journal, obeys
-// the orders that a test has given for it and then becomes the real command, which the lab keeps
+// Takes the place of a system command in the lab. It records the call in the lab's journal, applies
+// the fault rules that a test has added for it and then becomes the real command, which the lab keeps
 // at the same path below kReal.
 
 #include <fcntl.h>
@@ -25,12 +25,12 @@ namespace {
 
 constexpr std::string_view kReal = "/usr/libexec/lab/real";
 constexpr const char *kJournal = "/var/lab/journal";
-constexpr const char *kOrders = "/var/lab/orders";
+constexpr const char *kFaults = "/var/lab/faults";
 
-// An order is one line: how often (six characters: a number, negative for the call of that number
+// A fault rule is one line: how often (six characters: a number, negative for the call of that number
 // alone; or "always"), program ("any" for all), actions joined with commas, and a part of the
-// command line (the rest of the line; ^ stands for its start).
-struct Order {
+// command line (the rest of the line; ^ is its start).
+struct FaultRule {
   std::string_view times;
   std::string_view program;
   std::string_view actions;
@@ -44,7 +44,7 @@ std::string ownPath() {
 }
 
 // The lab's own housekeeping runs as root without sudo.
-bool isWatched() { return getuid() != 0 || getenv("SUDO_UID") != nullptr; }
+bool isIntercepted() { return getuid() != 0 || getenv("SUDO_UID") != nullptr; }
 
 std::string readAll(int descriptor) {
   std::string text;
@@ -110,7 +110,7 @@ std::string currentTime() {
 }
 
 // One write to a file opened for appending: lines of concurrent commands never mix.
-void noteCall(std::string_view program, const std::vector<std::string_view> &arguments) {
+void recordCall(std::string_view program, const std::vector<std::string_view> &arguments) {
   std::string line =
       "{\"time\":" + quoted(currentTime()) + ",\"user\":" + quoted(userName(getuid())) +
       ",\"pid\":" + std::to_string(getpid()) + ",\"ppid\":" + std::to_string(getppid()) +
@@ -131,7 +131,7 @@ int number(std::string_view text) {
   return value;
 }
 
-void obey(std::string_view action) {
+void perform(std::string_view action) {
   const std::string_view verb = takeField(action, '=');
   if (verb == "exit") {
     _exit(number(action));
@@ -157,12 +157,12 @@ void obey(std::string_view action) {
       if (length > 0) done += static_cast<size_t>(length);
     }
   } else {
-    fprintf(stderr, "lab: unknown order \"%.*s\"\n", static_cast<int>(verb.size()), verb.data());
+    fprintf(stderr, "lab: unknown action \"%.*s\"\n", static_cast<int>(verb.size()), verb.data());
   }
 }
 
-// Counts one call for the order whose line starts at the offset; whether the order is for it.
-bool useOrder(int file, off_t offset, std::string_view times) {
+// Counts one call for the rule whose line starts at the offset; whether the rule applies to it.
+bool countCall(int file, off_t offset, std::string_view times) {
   if (times == "always") return true;
   const int left = number(times);
   if (left == 0) return false;
@@ -176,10 +176,10 @@ bool contains(std::string_view commandLine, std::string_view part) {
   return commandLine.find(part) != std::string_view::npos;
 }
 
-// The actions of all orders for this call, each order counted under a lock.
-std::vector<std::string> takeOrders(std::string_view program, std::string_view commandLine) {
+// The actions of all rules that apply to this call, each rule counted under a lock.
+std::vector<std::string> takeActions(std::string_view program, std::string_view commandLine) {
   std::vector<std::string> actions;
-  const int file = open(kOrders, O_RDWR | O_CLOEXEC);
+  const int file = open(kFaults, O_RDWR | O_CLOEXEC);
   if (file < 0) return actions;
   flock(file, LOCK_EX);
   const std::string text = readAll(file);
@@ -187,15 +187,15 @@ std::vector<std::string> takeOrders(std::string_view program, std::string_view c
   while (!rest.empty()) {
     const off_t offset = rest.data() - text.data();
     std::string_view line = takeField(rest, '\n');
-    Order order;
-    order.times = takeField(line, ' ');
-    order.program = takeField(line, ' ');
-    order.actions = takeField(line, ' ');
-    order.part = line;
-    if (order.program != "any" && order.program != program) continue;
-    if (!contains(commandLine, order.part)) continue;
-    if (!useOrder(file, offset, order.times)) continue;
-    while (!order.actions.empty()) actions.emplace_back(takeField(order.actions, ','));
+    FaultRule rule;
+    rule.times = takeField(line, ' ');
+    rule.program = takeField(line, ' ');
+    rule.actions = takeField(line, ' ');
+    rule.part = line;
+    if (rule.program != "any" && rule.program != program) continue;
+    if (!contains(commandLine, rule.part)) continue;
+    if (!countCall(file, offset, rule.times)) continue;
+    while (!rule.actions.empty()) actions.emplace_back(takeField(rule.actions, ','));
   }
   close(file);
   return actions;
@@ -214,11 +214,11 @@ std::string joined(const std::vector<std::string_view> &arguments) {
 
 int main(int argc, char *argv[]) {
   const std::string path = ownPath();
-  if (isWatched()) {
+  if (isIntercepted()) {
     const std::string_view program = std::string_view(path).substr(path.rfind('/') + 1);
     const std::vector<std::string_view> arguments(argv, argv + argc);
-    noteCall(program, arguments);
-    for (const std::string &action : takeOrders(program, joined(arguments))) obey(action);
+    recordCall(program, arguments);
+    for (const std::string &action : takeActions(program, joined(arguments))) perform(action);
   }
   const std::string real = std::string(kReal) + path;
   execv(real.c_str(), argv);

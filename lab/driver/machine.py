@@ -1,4 +1,4 @@
-"""The lab's machine as a test sees it: its tables, files, launchd jobs, orders and journal."""
+"""The lab's machine as a test sees it: its accounts, files, launchd jobs, fault rules and journal."""
 
 import json
 import os
@@ -90,7 +90,7 @@ class Machine:
         """Who ran what, in order; the stages of a pipeline from left to right."""
         return [Command(r["user"], tuple(r["argv"])) for r in _in_order(self.records())]
 
-    def order(
+    def add_fault(
         self,
         program: str,
         part: str = "",
@@ -101,18 +101,18 @@ class Machine:
         exit: int | None = None,
         signal: int | None = None,
     ) -> None:
-        """Gives an order for the calls of a program whose command line has `part` in it.
+        """Adds a fault rule for the calls of a program whose command line contains `part`.
 
-        A part that starts with ^ must stand at the beginning of the command line.
+        A part that starts with ^ must be at the beginning of the command line.
 
         The actions happen in the order of the arguments; without `exit` or `signal` the call then
-        goes on as usual. `times` limits the order to the first calls; -n is for the n-th call alone.
+        goes on as usual. `times` limits the rule to the first calls; -n is for the n-th call alone.
         """
         actions = {"stderr": stderr, "delay": delay, "exit": exit, "signal": signal}
         words = ",".join(f"{verb}={n}" for verb, n in actions.items() if n is not None)
         count = "always" if times is None else f"{times:06d}"
-        with (STATE / "orders").open("a") as orders:
-            orders.write(f"{count} {program} {words} {part}\n")
+        with (STATE / "faults").open("a") as faults:
+            faults.write(f"{count} {program} {words} {part}\n")
 
     def load(self, *jobs: Job) -> None:
         """Makes launchd jobs loaded."""

@@ -78,7 +78,7 @@ def _by_shell(commands: list[Command]) -> list[list[Command]]:
     return [commands[i:j] for i, j in zip(starts, [*starts[1:], len(commands)])]
 
 
-class Rehearsal:
+class ApplyModel:
     """Alice's Apply with a reset, agent and daemon being loaded. The command at a place may be
     disturbed: it ends before it does anything, or is noisy, which is NOISE on its error stream."""
 

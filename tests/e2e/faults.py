@@ -9,14 +9,14 @@ from expected_commands import server_plist
 from driver.editions import EDITIONS
 from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, STATE, Command
 from driver.waiting import wait_until
-from apply_model import ALICE, NOISE, Place, Rehearsal
+from apply_model import ALICE, NOISE, Place, ApplyModel
 from status_messages import WRITE_ERROR
 
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
 NEW = server_plist("fr", "192.0.2.1", "4000", False)
 SETTINGS = EDITIONS["Zentavo"].settings
 
-CLEAN = Rehearsal()
+CLEAN = ApplyModel()
 COMMANDS = {
     Place(i, k): command
     for i, shell in enumerate(CLEAN.shells)
@@ -57,17 +57,17 @@ class Ready:
         self.window.click("reset_settings")
         self._logged_in = len(machine.records())
 
-    def order(self, place: Place, **actions) -> None:
+    def add_fault(self, place: Place, **actions) -> None:
         """Disturbs one command of the Apply to come, and no other."""
         argv = COMMANDS[place].argv
         line = " ".join(argv)
         earlier = [" ".join(COMMANDS[other].argv) for other in COMMANDS if other < place]
         number = 1 + sum(other.startswith(line) for other in earlier)
-        self._machine.order(Path(argv[0]).name, f"^{line}", times=-number, **actions)
+        self._machine.add_fault(Path(argv[0]).name, f"^{line}", times=-number, **actions)
 
     def was_disturbed(self, number: int = 0) -> bool:
-        """Whether the command of that order was called."""
-        return (STATE / "orders").read_text().splitlines()[number].startswith("000000")
+        """Whether the command of that fault rule was called."""
+        return (STATE / "faults").read_text().splitlines()[number].startswith("000000")
 
     def apply(self) -> None:
         self.window.press("Return")
@@ -96,7 +96,7 @@ class Ready:
         kinds = {name: {text: "installed", "": "empty"} for name, text in self._installed.items()}
         return {name: kinds[name].get(text, "generated") for name, text in texts.items()}
 
-    def check_end(self, expected: Rehearsal = CLEAN, error: str | None = None) -> None:
+    def check_end(self, expected: ApplyModel = CLEAN, error: str | None = None) -> None:
         """Waits for the end of the program: it succeeds, leaves no process, and has done everything
         that was to be done."""
         assert self.program.wait() == 0

@@ -163,7 +163,7 @@ def test_a_job_that_does_not_stop_or_start_is_reported_and_the_rest_is_done(
     machine, start, operation, part, needless, loaded, fault
 ):
     machine.load(AGENT, DAEMON)
-    machine.order("launchctl", f"^/bin/launchctl {part}", **fault)
+    machine.add_fault("launchctl", f"^/bin/launchctl {part}", **fault)
     program = apply_once(start)
     starts = [step for step in (start_daemon, start_agent) if step is not needless]
     assert machine.journal() == sequence(starts=starts)
@@ -178,8 +178,8 @@ def test_files_that_cannot_be_deleted_and_an_agent_that_fails_do_not_stop_the_se
     machine, start
 ):
     settings = EDITIONS["Zentavo"].settings
-    machine.order("rm", "safeguarding_server.xml", exit=1)
-    machine.order("SystemAgentDaemon", exit=1)
+    machine.add_fault("rm", "safeguarding_server.xml", exit=1)
+    machine.add_fault("SystemAgentDaemon", exit=1)
     program = apply_once(start, reset=True)
     assert machine.journal() == sequence(stops=(), reset=True)
     assert program.output.splitlines()[1:] == said(start_daemon, start_agent)
@@ -190,7 +190,7 @@ def test_files_that_cannot_be_deleted_and_an_agent_that_fails_do_not_stop_the_se
 
 def test_slow_and_noisy_commands_only_take_their_time(machine, start):
     machine.load(AGENT, DAEMON)
-    machine.order("launchctl", "^/bin/launchctl unload", stderr=60000, delay=0.5)
+    machine.add_fault("launchctl", "^/bin/launchctl unload", stderr=60000, delay=0.5)
     program = apply_once(start)
     assert machine.journal() == sequence()
     assert program.errors.count("e" * 60000) == 2

@@ -13,7 +13,7 @@ from expected_commands import server_plist
 from driver.machine import PREFERENCES, SERVER_PLIST
 from driver.screen import Program
 from driver.waiting import wait_until
-from apply_model import ALICE, NOISE, Place, Rehearsal
+from apply_model import ALICE, NOISE, Place, ApplyModel
 
 pytest.register_assert_rewrite("faults")
 
@@ -67,9 +67,9 @@ def test_the_matrix_has_all_commands():
     ids=["exit", "SIGTERM", "SIGKILL"],
 )
 def test_a_command_that_ends_early_costs_no_other_step(ready, tried, place, fault):
-    ready.order(place, **fault)
+    ready.add_fault(place, **fault)
     ready.apply()
-    ready.check_end(Rehearsal(place, ends=True))
+    ready.check_end(ApplyModel(place, ends=True))
     assert ready.was_disturbed()
     assert SERVER_PLIST.read_bytes() == NEW
     assert other_files() == []
@@ -78,9 +78,9 @@ def test_a_command_that_ends_early_costs_no_other_step(ready, tried, place, faul
 
 @each_command
 def test_a_noisy_command_blocks_nothing(ready, tried, place):
-    ready.order(place, stderr=len(NOISE))
+    ready.add_fault(place, stderr=len(NOISE))
     ready.apply()
-    ready.check_end(Rehearsal(place, noisy=True))
+    ready.check_end(ApplyModel(place, noisy=True))
     assert ready.was_disturbed()
     assert SERVER_PLIST.read_bytes() == NEW
     assert other_files() == []
@@ -92,7 +92,7 @@ def test_hanging_commands_are_waited_for(ready, tried, number):
     # One command of each shell in turn, which leaves the others as they are.
     places = [place for place in COMMANDS if place.command == number]
     for place in places:
-        ready.order(place, delay=HANG)
+        ready.add_fault(place, delay=HANG)
     began = time.monotonic()
     ready.apply()
     for i, place in enumerate(places):
@@ -110,7 +110,7 @@ def test_hanging_commands_are_waited_for(ready, tried, number):
 
 @each_shell
 def test_when_it_is_killed_the_running_shell_is_the_last_one(ready, tried, place):
-    ready.order(place, signal=signal.SIGSTOP)
+    ready.add_fault(place, signal=signal.SIGSTOP)
     ready.apply()
     child = wait_until(ready.stopped_child, "stopped shell")
     assert len(ready.children()) == 1
@@ -127,7 +127,7 @@ def test_when_it_is_killed_the_running_shell_is_the_last_one(ready, tried, place
 def trace_file_accesses(ready: Ready, *options: str) -> list[str]:
     """Applies, and returns the system calls that have to do with files or descriptors, from the end
     of the last shell before the file on."""
-    ready.order(Place(LAST_BEFORE_FILE, 0), signal=signal.SIGSTOP)
+    ready.add_fault(Place(LAST_BEFORE_FILE, 0), signal=signal.SIGSTOP)
     ready.apply()
     child = wait_until(ready.stopped_child, "stopped shell")
     command = ["strace", "--trace=%file,%desc", f"--attach={ready.program.pid}", *options]

@@ -232,10 +232,10 @@ def test_nc_tells_a_listening_port_from_a_closed_one(machine, address):
     assert machine.journal()[1] == Command("carol", ("/usr/bin/nc", "-vz", address, str(port)))
 
 
-def test_orders_fail_end_delay_and_disturb_the_commands_they_name(machine):
-    machine.order("ping", exit=7)
-    machine.order("nc", "-vz", times=2, signal=9)
-    machine.order("id", "carol", delay=0.3, stderr=60000)
+def test_fault_rules_fail_end_delay_and_disturb_the_commands_they_name(machine):
+    machine.add_fault("ping", exit=7)
+    machine.add_fault("nc", "-vz", times=2, signal=9)
+    machine.add_fault("id", "carol", delay=0.3, stderr=60000)
     start = time.monotonic()
     assert run("alice", "/sbin/ping -c 1 127.0.0.1").returncode == 7
     assert run("alice", "/usr/bin/nc -vz 127.0.0.1 1; exit").returncode == 137
@@ -250,14 +250,14 @@ def test_orders_fail_end_delay_and_disturb_the_commands_they_name(machine):
     assert time.monotonic() - start > 0.3
 
 
-def test_an_order_may_be_for_the_second_call_alone(machine):
-    machine.order("id", times=-2, exit=7)
+def test_a_fault_rule_may_be_for_the_second_call_alone(machine):
+    machine.add_fault("id", times=-2, exit=7)
     assert [run("alice", "id -u; exit $?").returncode for _ in range(4)] == [0, 7, 0, 0]
 
 
-def test_an_order_for_a_command_as_root_is_obeyed_behind_sudo(machine):
+def test_a_fault_rule_for_a_command_as_root_applies_behind_sudo(machine):
     machine.load(DAEMON)
-    machine.order("launchctl", "unload", exit=5)
+    machine.add_fault("launchctl", "unload", exit=5)
     assert run("alice", elevated(f"/bin/launchctl unload -w {DAEMON_FILE}")).returncode == 5
     assert machine.loaded() == {DAEMON}
 
@@ -283,7 +283,7 @@ def test_housekeeping_by_root_makes_no_noise(machine):
 def test_reset_brings_the_freshly_installed_state_back(machine):
     machine.load(DAEMON, AGENT)
     machine.install_profiles("com.example.other")
-    machine.order("id", exit=1)
+    machine.add_fault("id", exit=1)
     machine.write_server_plist("old")
     run("alice", "id")
     machine.reset()
