@@ -77,6 +77,8 @@ def _in_order(records: list[dict]) -> list[dict]:
 class Machine:
     """The machine a test runs on. Everything here needs root inside the lab."""
 
+    kills_commands = False  # whether a fault rule sends a signal
+
     def reset(self) -> None:
         """Goes back to the state right after the agent was installed."""
         subprocess.run([LAB / "install-agent"], check=True)
@@ -110,6 +112,7 @@ class Machine:
         """
         actions = {"stderr": stderr, "delay": delay, "exit": exit, "signal": signal}
         words = ",".join(f"{verb}={n}" for verb, n in actions.items() if n is not None)
+        self.kills_commands |= signal is not None
         count = "always" if times is None else f"{times:06d}"
         with (STATE / "faults").open("a") as faults:
             faults.write(f"{count} {program} {words} {part}\n")
@@ -124,6 +127,10 @@ class Machine:
         base = STATE / "launchd"
         files = [file for file in base.rglob("*") if file.is_file()]
         return {Job(str(file.parent.relative_to(base)), file.name) for file in files}
+
+    def restrict_asuser(self) -> None:
+        """Makes `launchctl asuser` refuse everybody except root, for their own session too."""
+        (STATE / "asuser-needs-root").touch()
 
     def install_profiles(self, *identifiers: str) -> None:
         """Makes configuration profiles installed."""

@@ -175,6 +175,7 @@ class Program:
         user: str = "alice",
         arguments: tuple[str, ...] = (),
         language: str = "en_US.UTF-8",
+        executable: Path | None = None,
     ):
         self.edition: Edition = EDITIONS[edition]
         self._display = display
@@ -182,7 +183,7 @@ class Program:
         self._errors = folder / "stderr"
         with self._output.open("wb") as output, self._errors.open("wb") as errors:
             self._process = subprocess.Popen(
-                [LAB / "login", user, self.edition.program, *arguments],
+                [LAB / "login", user, executable or self.edition.program, *arguments],
                 env=display.environment | {"LANG": language},
                 stdin=subprocess.DEVNULL,
                 stdout=output,

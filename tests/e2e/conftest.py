@@ -1,13 +1,15 @@
 """Fixtures of the end-to-end tests, which run inside the lab."""
 
 import os
+import re
 from pathlib import Path
 
 import pytest
-from driver.machine import Machine
+from driver.machine import ACCOUNTS, Machine
 from driver.screen import Display, Program
 
 PICTURES = Path(os.environ.get("LAB_BUILD", "")) / "e2e"
+REPORT_OF_BASH = re.compile(r'/bin/bash: line 1: +\d+ (Done|Broken pipe) +/bin/echo "[^"]*"$', re.M)
 FAILED = pytest.StashKey[bool]()
 
 
@@ -33,10 +35,19 @@ def display():
     result.close()
 
 
+def check_no_password_is_printed(program: Program, kills_commands: bool) -> None:
+    """Except by bash: when a command is killed, it reports the command line on its error stream."""
+    for stream in (program.output, program.errors):
+        text = REPORT_OF_BASH.sub("", stream) if kills_commands else stream
+        for account in ACCOUNTS.values():
+            lines = [line for line in text.splitlines() if account.password in line]
+            assert lines == [], f"the password of {account.name} is printed"
+
+
 @pytest.fixture
 def start(request, machine, display, tmp_path):
-    """Starts the program: start(edition=..., user=..., arguments=...). A failed test leaves a
-    picture of the screen and the program's output in build/e2e/."""
+    """Starts the program: start(edition=..., user=..., arguments=...). What it printed must not
+    hold a password. A failed test leaves a picture of the screen in build/e2e/."""
     programs = []
 
     def start_program(**options):
@@ -51,3 +62,4 @@ def start(request, machine, display, tmp_path):
             print(f"status {program.poll()}\n{program.output}\n{program.errors}")
     for program in programs:
         program.kill()
+        check_no_password_is_printed(program, machine.kills_commands)

@@ -145,6 +145,34 @@ def test_the_session_of_another_console_user_stays_closed_to_an_administrator(
     assert SERVER_PLIST.read_bytes() == NEW
 
 
+def test_where_asuser_needs_root_the_per_user_job_is_not_stopped_and_its_start_fails(
+    machine, start
+):
+    machine.load(AGENT, DAEMON)
+    machine.restrict_asuser()
+    program = apply_once(start)
+    assert machine.journal() == [
+        *profile_check("alice", ALICE, EDITIONS["Zentavo"]),
+        *console_lookup("alice", ALICE),
+        *check_agent("alice", "alice", 501)[:2],
+        *check_daemon("alice", ALICE),
+        *stop_daemon("alice", ALICE),
+        *check_daemon("alice", ALICE),
+        *start_daemon("alice", ALICE),
+        *check_agent("alice", "alice", 501)[:2],
+        *start_agent("alice", "alice", 501)[:2],
+    ]
+    assert program.output.splitlines() == [
+        "USER=alice uid=501",
+        *said(stop_daemon, start_daemon),
+        FAILED[start_agent],
+    ]
+    # The check is silent; the start is not.
+    assert program.errors.count("Could not switch to audit session") == 1
+    assert machine.loaded() == {AGENT, DAEMON}
+    assert SERVER_PLIST.read_bytes() == NEW
+
+
 FAULTS = {"exits 1": {"exit": 1}, "killed": {"signal": 9}}
 
 

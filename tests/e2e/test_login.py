@@ -2,13 +2,11 @@
 
 import shutil
 import signal
-import subprocess
 
 import pytest
 from expected_commands import profile_check
 from driver.editions import EDITIONS
 from driver.machine import ACCOUNTS
-from driver.paths import LAB
 
 every_edition = pytest.mark.parametrize("edition", EDITIONS)
 
@@ -95,19 +93,12 @@ def test_another_administrator_may_log_in_but_sudo_wants_the_runners_own_passwor
     assert machine.journal() == profile_check("alice", ACCOUNTS["bob"], EDITIONS["Zentavo"])
 
 
-def test_a_program_without_its_interface_file_says_so_and_stops(machine, display):
+def test_a_program_without_its_interface_file_says_so_and_stops(machine, start):
     program = EDITIONS["Zentavo"].program
     torn = program.parent.with_name("Torn.app")
     shutil.copytree(program.parent, torn)
     (torn / "Resources/MainMenu.xib").unlink()
-    result = subprocess.run(
-        [LAB / "login", "alice", torn / program.name],
-        env=display.environment,
-        capture_output=True,
-        text=True,
-        check=False,
-        timeout=30,
-    )
-    assert result.returncode == -signal.SIGABRT
-    assert "fatal error: interface file MainMenu cannot be loaded from the bundle" in result.stderr
+    program = start(executable=torn / program.name)
+    assert program.wait() == -signal.SIGABRT
+    assert "fatal error: interface file MainMenu cannot be loaded from the bundle" in program.errors
     assert machine.journal() == []
