@@ -6,7 +6,7 @@
 
 namespace fuzz {
 
-/// Ends the process, which makes the input a finding.
+/// Aborts when the condition is false, which makes the input a finding.
 inline void check(bool holds, std::string_view what) {
   if (!holds) app::fatalError(what);
 }

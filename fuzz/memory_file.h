@@ -10,7 +10,7 @@
 
 namespace fuzz {
 
-/// A regular file that has a path but never touches a disk.
+/// A regular file in memory that has a path.
 class MemoryFile {
  public:
   explicit MemoryFile(std::string_view content) : descriptor_(::memfd_create("fuzz", MFD_CLOEXEC)) {

@@ -1,5 +1,5 @@
-// What the writer puts into server.plist the reader takes out again: every text without XML's
-// special characters as it was. With them the reader still gives a complete record.
+// The reader returns what the writer wrote into server.plist: every string without XML's special
+// characters unchanged. With them the reader still gives a complete record.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -14,8 +14,8 @@
 
 namespace {
 
-/// What a property list holds as it is: no mark-up, no control characters. GNUstep takes U+FEFF at
-/// the start of a piece of text for a mark of the encoding and drops it.
+/// What a property list holds unchanged: no mark-up, no control characters. GNUstep drops U+FEFF at
+/// the start of a string, which it takes for a byte order mark.
 bool isPlainText(std::string_view text) {
   for (const char c : text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == '&' || c == '<' || c == '>') return false;
@@ -35,8 +35,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
   const settings::ServerData data = fuzz::readStoredSettings(agent::serverPlistText(
       {.server = server, .port = port, .lang = language, .profile = profile}));
   if (!isPlainText(language) || !isPlainText(server)) return 0;
-  fuzz::check(data.port == port, "the port is another one");
-  fuzz::check(data.server == server, "the server is another one");
-  fuzz::check(language.empty() || data.language == language, "the language is another one");
+  fuzz::check(data.port == port, "the port differs");
+  fuzz::check(data.server == server, "the server differs");
+  fuzz::check(language.empty() || data.language == language, "the language differs");
   return 0;
 }

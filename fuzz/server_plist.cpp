@@ -1,4 +1,4 @@
-// The reader of server.plist: any bytes give a complete record, and the same one each time.
+// The reader of server.plist: any bytes give a complete record, the same on every read.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The UTF-8 check against a decoder that works the other way round: decode first, judge the value.
+// The UTF-8 check against an independent decoder, which decodes first and then checks the value.
 
 #include "agent/utf8.h"
 
