@@ -1,4 +1,4 @@
-// runShellCommand beside the other ways to run "/bin/bash -c true" and wait for it.
+// runShellCommand compared with other ways to run "/bin/bash -c true" and wait for it.
 
 #import <Foundation/Foundation.h>
 
@@ -12,7 +12,7 @@
 
 #include "agent/shell.h"
 
-extern char **environ;  // NOLINT(readability-redundant-declaration): POSIX leaves it to the program
+extern char **environ;  // NOLINT(readability-redundant-declaration): no POSIX header declares it
 
 namespace {
 
@@ -39,10 +39,10 @@ void bareSpawn(benchmark::State &state) {
 }
 BENCHMARK(bareSpawn)->Iterations(kCommands);
 
-// The two of the C library start /bin/sh, and that starts bash.
+// Both functions of the C library start /bin/sh, which starts bash.
 void popenAndRead(benchmark::State &state) {
   for ([[maybe_unused]] const auto _ : state) {
-    FILE *stream = ::popen("exec /bin/bash -c true", "r");  // NOLINT: the subject
+    FILE *stream = ::popen("exec /bin/bash -c true", "r");  // NOLINT: measured on purpose
     while (std::fgetc(stream) != EOF) {
     }
     ::pclose(stream);
@@ -68,7 +68,7 @@ void taskClass(benchmark::State &state) {
     }
   }
 }
-BENCHMARK(taskClass)->Iterations(1);  // it looks ten times a second
+BENCHMARK(taskClass)->Iterations(1);  // NSTask polls ten times a second
 
 }  // namespace
 

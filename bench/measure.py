@@ -1,7 +1,7 @@
-"""Measures the program beside its yardsticks, inside the lab; prints what table.py makes of it.
+"""Measures the program and its baselines in the lab and prints the table that table.py makes.
 
-Started by script/bench. Everything is measured in turns, so that what disturbs the machine disturbs
-all alike.
+Started by script/bench. The measurements alternate, so that a disturbance of the machine affects all of
+them.
 """
 
 import argparse
@@ -25,7 +25,7 @@ from table import print_table
 
 ALICE = ACCOUNTS["alice"]
 ZENTAVO = EDITIONS["Zentavo"]
-# All on the same window: the program, and those of bench/CMakeLists.txt.
+# The program and the baselines of bench/CMakeLists.txt.
 EXECUTABLES = {"ours": ZENTAVO.program} | {
     title: ZENTAVO.program.parents[1] / f"{title}.app" / title
     for title in ("One Window", "No Menu", "Code Window")
@@ -35,11 +35,11 @@ NEW = server_plist("fr", "192.0.2.1", "4000", False)
 BASH_LINE = ("/bin/bash", "-c")
 LOGIN_PHASES = (
     "click, password check, group look-up",
-    "interface file, texts, stored settings",
+    "interface file, strings, stored settings",
     "profile command",
     "showing the window",
 )
-REST = 0.5  # seconds after which a program with its window has nothing more to do
+REST = 0.5  # seconds after which a program that shows its window is idle
 WRITES_AFTER = "unload -w /Library/LaunchDaemons"  # the last command before the file
 
 
@@ -50,7 +50,7 @@ def session() -> dict[str, str]:
 
 
 class Bench:
-    """The machine, its display, and alice in front of it."""
+    """The lab machine, its display, and alice as the user."""
 
     def __init__(self, folder: Path):
         self.machine = Machine()
@@ -63,7 +63,7 @@ class Bench:
         self.display.close()
 
     def spawn(self, *command: object) -> subprocess.Popen:
-        """Starts a command as alice, with nothing in between."""
+        """Starts a command directly as alice, without a wrapper process."""
         return subprocess.Popen(
             [str(word) for word in command],
             user=ALICE.name,
@@ -80,20 +80,20 @@ class Bench:
         return Program(self.display, self._folder)
 
     def reset(self) -> None:
-        """The state in which every Apply begins: both jobs run."""
+        """The state before every Apply: both jobs are loaded."""
         self.machine.reset()
         self.machine.load(AGENT, DAEMON)
         self.machine.write_server_plist(OLD)
 
     def check_applied(self) -> None:
-        """Whoever did it, the machine is the same afterwards."""
+        """Whether the program or a script applied, the state is the same afterwards."""
         assert self.machine.loaded() == {AGENT, DAEMON}
         assert SERVER_PLIST.read_bytes() == NEW
         assert sorted(file.name for file in ZENTAVO.settings.iterdir()) == ["daemon.settings.xml"]
 
 
-def in_turns(runs: int, measures: dict) -> dict[str, list]:
-    """Calls all measures as often as told, forwards and backwards; the first time only warms up."""
+def alternately(runs: int, measures: dict) -> dict[str, list]:
+    """Calls all measures `runs` times, in alternating order, after one run to warm up."""
     results = {name: [] for name in measures}
     order = list(measures)
     for i in range(runs + 1):
@@ -106,7 +106,7 @@ def in_turns(runs: int, measures: dict) -> dict[str, list]:
 
 
 def memory(pid: int) -> tuple[int, int]:
-    """Peak memory of a process, and what it alone has written, in kB."""
+    """Peak memory of a process and the pages that it has written, in kB."""
     status = Path(f"/proc/{pid}/status").read_text()
     rollup = Path(f"/proc/{pid}/smaps_rollup").read_text()
     peak = int(re.search(r"^VmHWM:\s+(\d+)", status, re.MULTILINE)[1])
@@ -115,7 +115,7 @@ def memory(pid: int) -> tuple[int, int]:
 
 
 def measure_start(bench: Bench, runs: int) -> tuple[dict, dict]:
-    """Seconds from the start to the mapped window, and memory once it is at rest."""
+    """Seconds from the start to the mapped window; memory once the program is idle."""
     login = Interface("MainMenu", ZENTAVO.program.parent / "Resources")
     used = {name: [] for name in EXECUTABLES}
 
@@ -124,25 +124,25 @@ def measure_start(bench: Bench, runs: int) -> tuple[dict, dict]:
         began = time.monotonic()
         with bench.spawn(EXECUTABLES[name]) as process:
             shown = bench.observer.wait_for_window((round(login.width), round(login.height)))
-            # Killed while it still starts, it would leave a lock that the next one waits for.
+            # A program killed during its start leaves a lock that the next one waits for.
             time.sleep(REST)
             used[name].append(memory(process.pid))
             process.kill()
         return shown - began
 
     bench.reset()
-    times = in_turns(runs, {name: lambda name=name: start(name) for name in EXECUTABLES})
+    times = alternately(runs, {name: lambda name=name: start(name) for name in EXECUTABLES})
     return times, used
 
 
 def measure_login(bench: Bench, runs: int) -> dict[str, list[float]]:
-    """Where the time goes between the click on OK and the mapped settings window; seconds."""
+    """Seconds of each phase between the click on OK and the mapped settings window."""
     resources = ZENTAVO.program.parent / "Resources"
     settings = Interface("ServerWindowController", resources)
     size = (round(settings.width), round(settings.height))
 
     def log_in() -> list[float]:
-        """The moments between which the phases lie."""
+        """The times at which the phases begin and end."""
         bench.reset()
         program = bench.program()
         try:
@@ -161,14 +161,14 @@ def measure_login(bench: Bench, runs: int) -> dict[str, list[float]]:
         finally:
             program.kill()
 
-    def log_in_seen() -> list[float]:
+    def log_in_observed() -> list[float]:
         while True:
             try:
                 return log_in()
             except ProcessLookupError:
-                pass  # looked too late: the command had already ended
+                pass  # too late: the command had already ended
 
-    logins = in_turns(runs, {"login": log_in_seen})["login"]
+    logins = alternately(runs, {"login": log_in_observed})["login"]
     return {
         phase: [moments[i + 1] - moments[i] for moments in logins]
         for i, phase in enumerate(LOGIN_PHASES)
@@ -195,14 +195,14 @@ def apply(bench: Bench) -> float:
 
 
 def lines_of_apply(bench: Bench) -> list[str]:
-    """The command lines that the last Apply gave to bash, in their order."""
+    """The command lines that the last Apply passed to bash, in order."""
     lines = [c.argv[2] for c in bench.machine.journal() if c.argv[:2] == BASH_LINE]
     assert len(lines) == 14, lines
     return lines
 
 
 def write_script(file: Path, lines: list[str], shell_per_line: bool) -> None:
-    """A plain script that does what Apply did."""
+    """A bash script that does the same as Apply."""
     text = []
     for line in lines:
         text.append(f"/bin/bash -c {shlex.quote(line)}" if shell_per_line else line)
@@ -226,14 +226,14 @@ def apply_by_script(bench: Bench, file: Path) -> float:
 
 
 def measure_apply(bench: Bench, runs: int, folder: Path) -> dict[str, list[float]]:
-    """Seconds of an Apply and of scripts of the same command lines; of either without any."""
+    """Seconds of an Apply and of scripts of the same command lines; of Quit and of an empty script."""
     apply(bench)
     lines = lines_of_apply(bench)
     shells, plain, empty = (folder / name for name in ("shells.sh", "plain.sh", "empty.sh"))
     write_script(shells, lines, shell_per_line=True)
     write_script(plain, lines, shell_per_line=False)
     write_script(empty, [], shell_per_line=False)
-    return in_turns(
+    return alternately(
         runs,
         {
             "ours": lambda: apply(bench),
@@ -247,7 +247,7 @@ def measure_apply(bench: Bench, runs: int, folder: Path) -> dict[str, list[float
 
 def main() -> int:
     parser = argparse.ArgumentParser()
-    parser.add_argument("commands", type=Path, help="what commands_bench has measured, as JSON")
+    parser.add_argument("commands", type=Path, help="JSON output of commands_bench")
     parser.add_argument("runs", type=int)
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as folder:

@@ -1,5 +1,5 @@
-"""Sees at once what happens to windows, files and processes, and clicks without a helper process in
-between. All times are those of time.monotonic()."""
+"""Waits for events of windows, files and processes without polling, and clicks without a helper process.
+All times are those of time.monotonic()."""
 
 import ctypes
 import os
@@ -18,7 +18,7 @@ ON_ERROR = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)
 
 @ON_ERROR
 def _ignore(_display, _error) -> int:
-    """A window may be gone before it is asked for its size."""
+    """A window may be gone before its size is queried."""
     return 0
 
 
@@ -37,11 +37,11 @@ class Observer:
         self._x11.XSync(self._connection, True)
 
     def forget(self) -> None:
-        """Drops what has happened so far."""
+        """Discards all events so far."""
         self._x11.XSync(self._connection, True)
 
     def wait_for_window(self, size: tuple[int, int], limit: float = 20) -> float:
-        """When a window of that size was mapped, be it now or since `forget`."""
+        """The time when a window of that size was mapped after the last `forget`."""
         event = (ctypes.c_ulong * 24)()
         end = time.monotonic() + limit
         while time.monotonic() < end:
@@ -64,7 +64,7 @@ class Observer:
         return width.value, height.value
 
     def click(self) -> float:
-        """Clicks where the pointer is; when the button was released."""
+        """Clicks at the pointer; the time when the button was released."""
         for is_press in (True, False):
             self._xtst.XTestFakeButtonEvent(self._connection, 1, is_press, ctypes.c_ulong(0))
         now = time.monotonic()
@@ -73,7 +73,7 @@ class Observer:
 
 
 class FileWatch:
-    """Waits for the next time that something is done to a file."""
+    """Waits for the next event of a file."""
 
     def __init__(self, file: Path, what: int):
         libc = ctypes.CDLL(None, use_errno=True)
@@ -89,7 +89,7 @@ class FileWatch:
 
 
 def end_of(pid: int) -> float:
-    """When that process ends."""
+    """Waits for that process to end; the time when it did."""
     process = os.pidfd_open(pid)
     select.select([process], [], [])
     now = time.monotonic()

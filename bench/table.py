@@ -1,4 +1,4 @@
-"""One table of what was measured: the program, what stands beside it, their ratio and its limit."""
+"""The table of results: the program, a baseline, the ratio of both and its limit."""
 
 import subprocess
 import tempfile
@@ -14,7 +14,7 @@ class Row(NamedTuple):
 
     what: str
     ours: str
-    beside: str
+    baseline: str
     ratio: float
     limit: float | None
     can_be_met: bool = True
@@ -26,18 +26,18 @@ class Row(NamedTuple):
     def __str__(self) -> str:
         limit = "" if self.limit is None else f"{self.limit:.2f}"
         limit += " missed" if self.is_missed else "" if self.can_be_met else " cannot be met"
-        return f"| {self.what} | {self.ours} | {self.beside} | {self.ratio:.3f} | {limit} |"
+        return f"| {self.what} | {self.ours} | {self.baseline} | {self.ratio:.3f} | {limit} |"
 
 
-def ratio_by_turns(ours: list, beside: list) -> float:
-    """The median of the ratios turn by turn, which a machine that slows down or speeds up meanwhile
-    does not change."""
-    return median(one / other for one, other in zip(ours, beside))
+def median_ratio(ours: list, baseline: list) -> float:
+    """The median of the ratios of neighbouring measurements, which a machine that slows down or speeds
+    up during the run does not change."""
+    return median(one / other for one, other in zip(ours, baseline))
 
 
-def compare(what: str, ours: list, title: str, beside: list, limit: float | None, unit) -> Row:
-    ratio = ratio_by_turns(ours, beside)
-    return Row(what, unit(median(ours)), f"{title}: {unit(median(beside))}", ratio, limit)
+def compare(what: str, ours: list, title: str, baseline: list, limit: float | None, unit) -> Row:
+    ratio = median_ratio(ours, baseline)
+    return Row(what, unit(median(ours)), f"{title}: {unit(median(baseline))}", ratio, limit)
 
 
 def milliseconds(seconds: float) -> str:
@@ -53,7 +53,7 @@ def megabytes(kilobytes: float) -> str:
 
 
 def command_rows(benchmarks: list[dict]) -> list[Row]:
-    """Runs of `/bin/bash -c true`. They are shuffled, so there are no turns; medians have to do."""
+    """Runs of `/bin/bash -c true`. They run in random order, so the ratio is that of the medians."""
     medians = {
         run["run_name"].split("/iterations")[0]: run["real_time"] / 1e9
         for run in benchmarks
@@ -68,19 +68,19 @@ def command_rows(benchmarks: list[dict]) -> list[Row]:
             ("system", "`system`", NO_LIMIT),
             ("taskClass", "`NSTask`", NO_LIMIT),
         ):
-            what, beside = f"`runShellCommand`, {mode}", medians[name]
-            rows.append(compare(what, [ours], title, [beside], limit, milliseconds))
+            what, baseline = f"`runShellCommand`, {mode}", medians[name]
+            rows.append(compare(what, [ours], title, [baseline], limit, milliseconds))
     return rows
 
 
 def start_rows(start: dict, used: dict) -> list[Row]:
     rows = []
     for title, limit in (("One Window", 1.10), ("No Menu", NO_LIMIT), ("Code Window", NO_LIMIT)):
-        what, beside = "start to login window", start[title]
-        rows.append(compare(what, start["ours"], title, beside, limit, milliseconds))
+        what, baseline = "start to login window", start[title]
+        rows.append(compare(what, start["ours"], title, baseline, limit, milliseconds))
     for i, what in enumerate(("peak memory", "private memory")):
-        ours, beside = ([use[i] for use in used[name]] for name in ("ours", "One Window"))
-        rows.append(compare(what, ours, "One Window", beside, 1.10, megabytes))
+        ours, baseline = ([use[i] for use in used[name]] for name in ("ours", "One Window"))
+        rows.append(compare(what, ours, "One Window", baseline, 1.10, megabytes))
     return rows
 
 
@@ -98,7 +98,7 @@ def apply_rows(applied: dict) -> list[Row]:
 
 
 def sizes(program: Path) -> tuple[float, ...]:
-    """An executable as built, without its symbols, and the whole bundle with that; in kB."""
+    """Sizes in kB: the executable as built, stripped, and the bundle with the stripped one."""
     with tempfile.NamedTemporaryFile() as stripped:
         subprocess.run(["strip", "-o", stripped.name, program], check=True)
         executable = Path(stripped.name).stat().st_size
@@ -107,20 +107,20 @@ def sizes(program: Path) -> tuple[float, ...]:
     return tuple(size / 1024 for size in (program.stat().st_size, executable, bundle))
 
 
-def size_rows(ours: Path, beside: Path) -> list[Row]:
+def size_rows(ours: Path, baseline: Path) -> list[Row]:
     labels = ("executable, as built", "executable, stripped", "bundle with the stripped one")
-    rows = zip(labels, sizes(ours), sizes(beside))
-    return [compare(what, [a], beside.name, [b], NO_LIMIT, kilobytes) for what, a, b in rows]
+    rows = zip(labels, sizes(ours), sizes(baseline))
+    return [compare(what, [a], baseline.name, [b], NO_LIMIT, kilobytes) for what, a, b in rows]
 
 
 def print_table(executables, commands, start, used, login, applied) -> bool:
     """Whether every limit is met."""
     rows = command_rows(commands) + start_rows(start, used) + apply_rows(applied)
     rows += size_rows(executables["ours"], executables["One Window"])
-    print("| what | ours | beside | ratio | limit |\n|---|---|---|---|---|")
+    print("| what | program | baseline | ratio | limit |\n|---|---|---|---|---|")
     print("\n".join(map(str, rows)))
     print("\n| from the click on OK in the login window | takes |\n|---|---|")
     for phase, seconds in login.items():
         print(f"| {phase} | {milliseconds(median(seconds))} |")
-    print(f"| in all | {milliseconds(median(map(sum, zip(*login.values()))))} |")
+    print(f"| total | {milliseconds(median(map(sum, zip(*login.values()))))} |")
     return not any(row.is_missed for row in rows)

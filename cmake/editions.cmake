@@ -1,7 +1,7 @@
 # Reads the edition table of app/edition.h, so that the build has no list of its own.
 #
 # Sets EDITIONS to the oem values and, for each, EDITION_TITLE_<oem> and EDITION_IDENTIFIER_<oem>: the
-# bundle identifier of the utility, which is next to that of the agent it configures.
+# bundle identifier of the utility, derived from that of the agent's profile.
 #
 # Writes the table to ${CMAKE_BINARY_DIR}/editions.tsv for scripts, lab and tests.
 

@@ -1,13 +1,13 @@
 # The program: object libraries that every edition shares, and one small executable per edition.
 #
-#   product_core        plain C++; sees no Objective-C header, so that none can creep in
-#   shell_runner       the one place that starts processes
-#   foundation_adapters  what calls Foundation, behind plain C++ headers
-#   server_plist_location, directory
-#               where the local Library folder is and what the local directory says, likewise
-#   window_controllers     the two controllers
+#   product_core         plain C++, without the include path of any Objective-C header
+#   shell_runner         the one place that starts processes
+#   foundation_adapters  calls of Foundation behind plain C++ headers
+#   server_plist_location, admin_checks
+#                        the path of the local Library folder; questions to the local directory
+#   window_controllers   the two controllers
 #
-# Tests link the same objects and put doubles in place of shell_runner, server_plist_location or directory.
+# Tests link the same objects, with doubles instead of shell_runner, server_plist_location or admin_checks.
 
 include(cmake/editions.cmake)
 
