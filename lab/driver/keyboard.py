@@ -2,7 +2,7 @@
 
 from .screen import WHITE, Display, Window
 
-HIGHLIGHT = (170, 170, 170)
+HIGHLIGHT = (179, 215, 255)
 MOUSE = {"click", "mousedown", "mousemove", "mousemove_relative", "mouseup"}
 
 

@@ -12,6 +12,7 @@ from .paths import LAB
 from .waiting import wait_until
 
 WHITE = (255, 255, 255)
+MENU_HIGHLIGHT = (10, 122, 255)
 
 
 class Display:
@@ -135,7 +136,7 @@ class Window:
     def choose(self, outlet: str, steps: int) -> None:
         """Takes the item of a pop-up that is so many places below (above: negative) the present.
 
-        Each item is as high as the pop-up; the one under the pointer turns white.
+        Each item is as high as the pop-up; the one under the pointer is highlighted.
         """
         display = self._display
         x, y = self.place(outlet)
@@ -143,10 +144,10 @@ class Window:
         x += round(box.width / 4)
         display.xdotool("mousemove", x, y, "mousedown", 1)
         wait_until(self._menu_is_open, f"menu of {outlet}")
-        wait_until(lambda: display.pixel(x, y) == WHITE, f"present item of {outlet}")
+        wait_until(lambda: display.pixel(x, y) == MENU_HIGHLIGHT, f"present item of {outlet}")
         y += steps * round(box.height)
         display.xdotool("mousemove", x, y)
-        wait_until(lambda: display.pixel(x, y) == WHITE, f"item of {outlet}")
+        wait_until(lambda: display.pixel(x, y) == MENU_HIGHLIGHT, f"item of {outlet}")
         display.xdotool("mouseup", 1)
         wait_until(lambda: not self._menu_is_open(), f"end of the menu of {outlet}")
 

@@ -5,7 +5,8 @@
 # ${CMAKE_BINARY_DIR}/apps unless given:
 #
 #   <title>.app/<title>
-#   <title>.app/Resources/Info-gnustep.plist, the RESOURCES, the status images, the icon
+#   <title>.app/Resources/Info-gnustep.plist, the RESOURCES, the status images, the icon,
+#                                 Mac.theme
 #
 # Also links what the executable needs of this platform. Resources are copied again when they
 # change, and only then.
@@ -46,6 +47,16 @@ function(platform_add_bundle target)
                        COMMENT "Copying ${name} to ${title}.app" VERBATIM)
     list(APPEND copies "${copy}")
   endforeach()
+
+  set(theme "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/theme/Resources")
+  set(copy "${bundle}/Resources/Mac.theme/Resources")
+  file(GLOB_RECURSE pictures CONFIGURE_DEPENDS "${theme}/*")
+  add_custom_command(OUTPUT "${copy}/Info-gnustep.plist" DEPENDS ${pictures}
+                     COMMAND "${CMAKE_COMMAND}" -E rm -rf "${copy}"
+                     COMMAND "${CMAKE_COMMAND}" -E copy_directory "${theme}" "${copy}"
+                     COMMENT "Copying the theme to ${title}.app" VERBATIM)
+  list(APPEND copies "${copy}/Info-gnustep.plist")
+
   if(copies)
     add_custom_target(${target}_resources ALL DEPENDS ${copies})
     add_dependencies(${target} ${target}_resources)

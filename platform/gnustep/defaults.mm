@@ -1,5 +1,6 @@
-// gui 0.29 shows an icon window for each program and has a system font of 12 points, where macOS
-// has none and 13. Both are user defaults, to be registered before the application object exists.
+// User defaults that give gui 0.29 what macOS has: no icon window for each program, a system font of
+// 13 points, and the look of its controls, which GNUstep calls a theme. They have to be registered
+// before the application object exists.
 
 #import <Foundation/Foundation.h>
 
@@ -10,8 +11,18 @@
 
 + (void)load {
   @autoreleasepool {
-    NSDictionary *defaults = [NSDictionary
-        dictionaryWithObjectsAndKeys:@"YES", @"GSSuppressAppIcon", @"13", @"NSFontSize", nil];
+    NSMutableDictionary *defaults = [NSMutableDictionary
+        dictionaryWithObjectsAndKeys:@"YES", @"GSSuppressAppIcon", @"13", @"NSFontSize",
+                                     @"Inter-Bold", @"NSBoldFont", nil];
+    NSString *const fonts[] = {@"NSFont",        @"NSUserFont", @"NSControlContentFont",
+                               @"NSLabelFont",   @"NSMenuFont", @"NSMessageFont",
+                               @"NSToolTipsFont"};
+    for (NSString *font : fonts) {
+      [defaults setObject:@"Inter-Regular" forKey:font];
+    }
+    NSString *theme = [[[NSBundle mainBundle] resourcePath]
+        stringByAppendingPathComponent:@"Mac.theme"];
+    [defaults setObject:theme forKey:@"GSTheme"];
     [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
   }
 }

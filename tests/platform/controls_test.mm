@@ -57,13 +57,17 @@ TEST(TextField, ShowsAValueThatIsSetWhileItIsBeingEdited) {
   [window orderOut:nil];
 }
 
-TEST(Button, CanBeHighlighted) {
+TEST(Button, StaysHighlightedAfterAPress) {
   [NSApplication sharedApplication];
-  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 80, 24)] autorelease];
+  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 80, 32)] autorelease];
   EXPECT_FALSE([button isHighlighted]);
   [button setHighlighted:YES];
   EXPECT_TRUE([button isHighlighted]);
-  EXPECT_TRUE([[button cell] isHighlighted]);
+  windowWith(button);
+  [button performClick:nil];
+  EXPECT_TRUE([button isHighlighted]);
+  [button setHighlighted:NO];
+  EXPECT_FALSE([button isHighlighted]);
 }
 
 TEST(StatusImages, AreThreeDifferentOnes) {

@@ -1,0 +1,130 @@
+#import <AppKit/AppKit.h>
+#import <GNUstepGUI/GSTheme.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+constexpr CGFloat kWidth = 200, kHeight = 100;
+
+class Theme : public testing::Test {
+ protected:
+  Theme() {
+    [[NSApplication sharedApplication] finishLaunching];
+    window_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, kWidth, kHeight)
+                                          styleMask:NSWindowStyleMaskTitled
+                                            backing:NSBackingStoreBuffered
+                                              defer:NO];
+    [window_ setReleasedWhenClosed:NO];
+  }
+  ~Theme() override {
+    [window_ orderOut:nil];
+    [window_ release];
+  }
+
+  template <class Control>
+  Control *add(NSRect frame) {
+    Control *control = [[[Control alloc] initWithFrame:frame] autorelease];
+    [[window_ contentView] addSubview:control];
+    return control;
+  }
+
+  NSButton *addButton(NSString *keyEquivalent) {
+    NSButton *button = add<NSButton>(NSMakeRect(20, 20, 100, 32));
+    [button setTitle:@""];
+    [button setBezelStyle:NSBezelStyleRounded];
+    [button setKeyEquivalent:keyEquivalent];
+    return button;
+  }
+
+  /// The window's colour there, as "red green blue" in 0 to 255, once all of it is drawn.
+  std::string colour(CGFloat x, CGFloat y) {
+    [window_ orderFront:nil];
+    [window_ display];
+    NSView *view = [window_ contentView];
+    [view lockFocus];
+    NSBitmapImageRep *picture = [[[NSBitmapImageRep alloc]
+        initWithFocusedViewRect:NSMakeRect(0, 0, kWidth, kHeight)] autorelease];
+    [view unlockFocus];
+    NSUInteger pixel[4] = {};
+    [picture getPixel:pixel atX:static_cast<NSInteger>(x) y:static_cast<NSInteger>(kHeight - y)];
+    return std::to_string(pixel[0]) + " " + std::to_string(pixel[1]) + " " +
+           std::to_string(pixel[2]);
+  }
+
+  NSWindow *window_;
+};
+
+constexpr const char *kWindowColour = "236 236 236";
+constexpr const char *kWhite = "255 255 255";
+constexpr const char *kRing = "123 179 246";
+
+TEST_F(Theme, IsTheBundlesOwnAndSoIsItsFont) {
+  EXPECT_STREQ([[[[[GSTheme theme] bundle] bundlePath] lastPathComponent] UTF8String],
+               "Mac.theme");
+  EXPECT_STREQ([[[NSFont systemFontOfSize:13] fontName] UTF8String], "Inter-Regular");
+  EXPECT_STREQ([[[NSFont boldSystemFontOfSize:13] fontName] UTF8String], "Inter-Bold");
+}
+
+// GNUstep adds a colour that the list lacks. It raises an exception when it cannot write the file, so
+// programs that are installed for every user would lack the rest.
+TEST_F(Theme, NamesEveryColourThatGNUstepHas) {
+  NSString *file = [[[GSTheme theme] bundle] pathForResource:@"ThemeColors" ofType:@"clr"];
+  NSString *list = [NSString stringWithContentsOfFile:file
+                                             encoding:NSUTF8StringEncoding
+                                                error:nullptr];
+  [NSColor controlColor];
+  EXPECT_EQ([[[[GSTheme theme] colors] allKeys] count], static_cast<NSUInteger>([list intValue]));
+}
+
+TEST_F(Theme, HasAPictureForEachStateOfEachKindOfButton) {
+  NSCell *cells[] = {[addButton(@"") cell], [addButton(@"\r") cell],
+                     [add<NSPopUpButton>(NSZeroRect) cell]};
+  for (NSCell *cell : cells) {
+    NSString *name = [[GSTheme theme] nameForElement:cell] ?: @"NSRoundedBezelStyle";
+    for (int state = GSThemeNormalState; state <= GSThemeSelectedState; ++state) {
+      EXPECT_TRUE([[GSTheme theme] tilesNamed:name
+                                        state:static_cast<GSThemeControlState>(state)] != nil)
+          << [name UTF8String] << " " << state;
+    }
+  }
+}
+
+TEST_F(Theme, DrawsButtonsOf20PointsInFramesOf32WithARingWhereTheKeyboardIs) {
+  NSButton *button = addButton(@"");
+  EXPECT_EQ(colour(70, 38), kWhite);
+  EXPECT_EQ(colour(70, 49.5), kWindowColour) << "above";
+  EXPECT_EQ(colour(70, 25.5), kWindowColour) << "below";
+  [window_ makeFirstResponder:button];
+  EXPECT_EQ(colour(70, 49.5), kRing) << "above";
+  EXPECT_EQ(colour(70, 25.5), kRing) << "below";
+}
+
+TEST_F(Theme, DrawsTheButtonThatReturnPressesInTheAccentColourAlsoAfterAPress) {
+  addButton(@"");
+  const std::string plain = colour(70, 38);
+  NSButton *button = addButton(@"\r");
+  const std::string accent = colour(70, 38);
+  EXPECT_NE(accent, plain);
+  [button setHighlighted:YES];
+  EXPECT_EQ(colour(70, 38), accent) << "highlighted by the program";
+  [button performClick:nil];
+  EXPECT_EQ(colour(70, 38), accent) << "pressed";
+  [button setEnabled:NO];
+  EXPECT_NE(colour(70, 38), accent) << "disabled";
+}
+
+TEST_F(Theme, DrawsARingAroundTheFieldThatHasTheKeyboard) {
+  NSTextField *lower = add<NSTextField>(NSMakeRect(20, 20, 100, 22));
+  NSTextField *upper = add<NSTextField>(NSMakeRect(20, 60, 100, 22));
+  [window_ makeFirstResponder:lower];
+  EXPECT_EQ(colour(70, 19), kRing);
+  EXPECT_EQ(colour(70, 59), kWindowColour);
+  [window_ makeFirstResponder:upper];
+  EXPECT_EQ(colour(70, 19), kWindowColour);
+  EXPECT_EQ(colour(70, 59), kRing);
+}
+
+}  // namespace
