@@ -1,0 +1,52 @@
+"""Checks that the links and the file names in the Markdown documents exist.
+
+A link is relative to its document. A name in backquotes that begins with a folder of the tree is
+relative to the root, also when arguments follow it; a pattern or a name without its suffix is enough.
+"""
+
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+LINK = re.compile(r"\]\((?!https?:|#|mailto:)([^)#\s]+)")
+NAME = re.compile(r"`((?:\.?\w+)/[\w./+*-]*)[^`]*`")
+
+
+def tracked(root: Path) -> list[str]:
+    """The files of the tree, new ones included."""
+    command = ["git", "ls-files", "--cached", "--others", "--exclude-standard"]
+    done = subprocess.run(command, cwd=root, check=True, text=True, capture_output=True)
+    return [name for name in done.stdout.splitlines() if (root / name).exists()]
+
+
+def exists(root: Path, name: str) -> bool:
+    """Whether a file or folder has that name, pattern, or name without suffix."""
+    return any(root.glob(name.rstrip("/"))) or any(root.glob(name.rstrip("/") + ".*"))
+
+
+def check(root: Path) -> list[str]:
+    """Every finding in the tree at `root`."""
+    names = tracked(root)
+    folders = {name.split("/")[0] for name in names if "/" in name}
+    findings = []
+    for document in (name for name in names if name.endswith(".md")):
+        text = (root / document).read_text(encoding="utf-8")
+        for target in LINK.findall(text):
+            if not (root / document).parent.joinpath(target).exists():
+                findings.append(f"{document}: links to {target}, which does not exist")
+        for name in NAME.findall(text):
+            if name.split("/")[0] in folders and not exists(root, name):
+                findings.append(f"{document}: names {name}, which does not exist")
+    return findings
+
+
+def main() -> int:
+    """Prints the findings; the exit status says whether there are any."""
+    findings = check(Path(__file__).resolve().parents[1])
+    print("\n".join(findings), end="\n" if findings else "")
+    return 1 if findings else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
