@@ -14,19 +14,18 @@ namespace {
 using i18n::Language;
 
 struct Row {
-  const char *oem, *title, *folder, *identifier;
-  app::EditionId id;
+  const char *oem, *title, *folder, *identifier, *changeLanguage;
 };
 
 constexpr Row kRows[] = {
     {"Quorvix", "Oskel Configuration Utility", "/Applications/Quorvix/QuorvixOskel",
-     "com.quorvix.oskel.agent", app::EditionId::Oskel},
+     "com.quorvix.oskel.agent", "changeLanguageOskel:"},
     {"Zentavo", "Zentavo Configuration Utility", "/Applications/Zentavo/ZentavoVardex",
-     "com.zentavo.vardex.agent", app::EditionId::Zentavo},
+     "com.zentavo.vardex.agent", "changeLanguageZentavo:"},
     {"Fennrow", "Fennrow Configuration Utility", "/Applications/Fennrow/FennrowLumar",
-     "com.fennrow.lumar.agent", app::EditionId::Fennrow},
+     "com.fennrow.lumar.agent", "changeLanguageFennrow:"},
     {"Tollwick", "Tollwick Configuration Utility", "/Applications/Tollwick/TollwickOmbrel",
-     "de.tollwick.ombrel.agent", app::EditionId::Tollwick},
+     "de.tollwick.ombrel.agent", "changeLanguageTollwick:"},
 };
 
 TEST(Editions, AreFoundByOemAndByTitleWithEveryColumn) {
@@ -41,8 +40,7 @@ TEST(Editions, AreFoundByOemAndByTitleWithEveryColumn) {
     EXPECT_EQ(edition->appName, row.title);
     EXPECT_EQ(edition->installFolder, row.folder);
     EXPECT_EQ(edition->profileIdentifier, row.identifier);
-    EXPECT_EQ(edition->id, row.id);
-    EXPECT_EQ(edition, &app::editionWithId(row.id));
+    EXPECT_EQ(edition->changeLanguage, row.changeLanguage);
   }
 }
 
