@@ -72,4 +72,5 @@ foreach(oem IN LISTS EDITIONS)
   platform_add_bundle(${oem} TITLE "${EDITION_TITLE_${oem}}"
                       IDENTIFIER "${EDITION_IDENTIFIER_${oem}}"
                       RESOURCES ${PROGRAM_RESOURCES})
+  set_property(GLOBAL APPEND PROPERTY BUNDLE_TITLES "${EDITION_TITLE_${oem}}")
 endforeach()
