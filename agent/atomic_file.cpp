@@ -18,10 +18,8 @@ class TemporaryFile {
   explicit TemporaryFile(const std::string &target)
       : path_(target + ".XXXXXX"), descriptor_(::mkstemp(path_.data())) {}
   ~TemporaryFile() {
-    const int saved = errno;
     if (descriptor_ >= 0) ::close(descriptor_);
     if (exists_) ::unlink(path_.c_str());
-    errno = saved;
   }
   TemporaryFile(const TemporaryFile &) = delete;
   TemporaryFile &operator=(const TemporaryFile &) = delete;

@@ -1,6 +1,7 @@
 #include "agent/launchd_jobs.h"
 
 #include <string_view>
+#include <tuple>
 
 #include "agent/command_prefix.h"
 #include "agent/shell.h"
@@ -63,7 +64,7 @@ void stopGlobalAgent(const ConsoleUser &console) {
 void startGlobalAgent(const ConsoleUser &console, bool waitexit) {
   const std::string command = asConsoleUser(console, kLoadAgent);
   if (!waitexit) {
-    runShellCommand(kBash, command, ShellMode::LaunchOnly);
+    std::ignore = runShellCommand(kBash, command, ShellMode::LaunchOnly);
     app::printLine("Global Agent started.");
     return;
   }

@@ -1,6 +1,7 @@
 #include "agent/settings_reset.h"
 
 #include <string>
+#include <tuple>
 
 #include "agent/command_prefix.h"
 #include "agent/shell.h"
@@ -21,14 +22,13 @@ void deleteSettings(std::string_view oem, const Credentials &administrator,
   // Two spaces before the path, which is not quoted: required.
   const std::string command =
       "/bin/rm  " + systemAgentPath(oem, "settings/") + std::string(filename);
-  runShellCommand(kBash, asRoot(administrator, command), ShellMode::WaitOnly);
+  std::ignore = runShellCommand(kBash, asRoot(administrator, command), ShellMode::WaitOnly);
 }
 
 void generateConfigFile(std::string_view oem) {
-  const std::string command = "echo -n > " +
-                              systemAgentPath(oem, "settings/daemon.settings.xml") + "; " +
-                              systemAgentPath(oem, "SystemAgentDaemon") + " daemon exit";
-  runShellCommand(kBash, command, ShellMode::WaitOnly);
+  const std::string command = "echo -n > " + systemAgentPath(oem, "settings/daemon.settings.xml") +
+                              "; " + systemAgentPath(oem, "SystemAgentDaemon") + " daemon exit";
+  std::ignore = runShellCommand(kBash, command, ShellMode::WaitOnly);
 }
 
 }  // namespace agent

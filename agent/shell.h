@@ -17,20 +17,32 @@ enum class ShellMode {
   LaunchOnly,  ///< output goes where the program's goes, does not wait; fills nothing
 };
 
+enum class ShellOutcome {
+  Done,        ///< the command ended or, in launch-only mode, was started
+  NotStarted,  ///< nothing was run
+  NoResult,    ///< the command was or may have been started; its status or output is not known
+};
+
+/// The status of a command that gave none: that of a shell which cannot find a command.
+inline constexpr std::int32_t kNoExitStatus = 127;
+
 struct ShellResult {
-  /// UTF-8, as written by the command, trailing line end kept.
-  std::string text;
-  /// 0 is success. The number of the signal when one ended the shell, 127 when the shell could not
-  /// be started.
+  /// UTF-8, as written by the command, with its trailing newline.
+  std::string text = {};
+  /// 0 is success. The number of the signal when one ended the shell.
   std::int32_t status = 0;
+  ShellOutcome outcome = ShellOutcome::Done;
 };
 
 /// Runs `shell -c command`, the command as one argument without any escaping. The only place that
-/// starts a process. The child gets default signal handling and only the three standard streams.
+/// starts a process. The child gets default signal handling and only the three standard streams;
+/// when that cannot be arranged, nothing is run.
 ///
 /// Capture waits for the exit first and reads afterwards, so a command that writes more than the
 /// pipe holds never ends; the commands run this way print a line or nothing. Output that is not
-/// UTF-8 stops the program. A shell that cannot be started is reported to the error log.
-ShellResult runShellCommand(const std::string &shell, const std::string &command, ShellMode mode);
+/// UTF-8 stops the program. Every other failure to run a command or to get its result is reported
+/// to the error log, which names the shell and the system call, never the command.
+[[nodiscard]] ShellResult runShellCommand(const std::string &shell, const std::string &command,
+                                          ShellMode mode);
 
 }  // namespace agent

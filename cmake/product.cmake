@@ -16,7 +16,7 @@ target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wreserved-ident
 
 file(GLOB product_sources CONFIGURE_DEPENDS RELATIVE "${CMAKE_SOURCE_DIR}" app/*.cpp settings/*.cpp
      agent/*.cpp i18n/*.cpp)
-list(REMOVE_ITEM product_sources app/build_edition.cpp agent/shell.cpp)
+list(REMOVE_ITEM product_sources app/build_edition.cpp agent/shell.cpp agent/child_process.cpp)
 file(GLOB plain_headers CONFIGURE_DEPENDS app/*.h settings/*.h agent/*.h i18n/*.h)
 foreach(header IN LISTS plain_headers)
   file(STRINGS "${header}" imports REGEX "^#import" LIMIT_COUNT 1)
@@ -31,7 +31,7 @@ add_library(product_core OBJECT ${product_sources})
 target_sources(product_core PUBLIC FILE_SET HEADERS BASE_DIRS "${CMAKE_SOURCE_DIR}" FILES ${plain_headers})
 target_link_libraries(product_core PRIVATE project_warnings)
 
-add_library(shell_runner OBJECT agent/shell.cpp)
+add_library(shell_runner OBJECT agent/shell.cpp agent/child_process.cpp)
 target_link_libraries(shell_runner PUBLIC product_core PRIVATE project_warnings)
 
 function(add_platform_library name)

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <iterator>
 #include <thread>
+#include <tuple>
 
 #include "agent/utf8.h"
 #include "app/diagnostics.h"
@@ -21,6 +22,7 @@ namespace {
 
 using agent::runShellCommand;
 using agent::ShellMode;
+using agent::ShellOutcome;
 using doubles::ScratchFolder;
 
 std::string capture(const std::string &command) {
@@ -67,7 +69,7 @@ TEST(CaptureMode, TakesAsMuchAsAPipeHolds) {
 TEST(CaptureModeDeathTest, StopsTheProgramWhenTheOutputIsNotUTF8) {
   EXPECT_EXIT(capture("printf '\\xff'"), testing::KilledBySignal(SIGABRT),
               "^fatal error: output of /bin/bash is not UTF-8\n$");
-  EXPECT_EXIT(runShellCommand(agent::kSh, "printf '\\377'", ShellMode::Capture),
+  EXPECT_EXIT(std::ignore = runShellCommand(agent::kSh, "printf '\\377'", ShellMode::Capture),
               testing::KilledBySignal(SIGABRT), "^fatal error: output of /bin/sh is not UTF-8\n$");
 }
 
@@ -104,9 +106,9 @@ TEST(LaunchOnlyMode, DoesNotWaitAndLeavesNoChildOfOurs) {
   const ScratchFolder folder;
   const std::string go = folder.file("go");
   const std::string done = folder.file("done");
-  runShellCommand(agent::kBash,
-                  "until [ -e '" + go + "' ]; do sleep 0.01; done; touch '" + done + "'",
-                  ShellMode::LaunchOnly);
+  std::ignore = runShellCommand(
+      agent::kBash, "until [ -e '" + go + "' ]; do sleep 0.01; done; touch '" + done + "'",
+      ShellMode::LaunchOnly);
   EXPECT_FALSE(std::filesystem::exists(done));
   EXPECT_TRUE(hasNoChild());
   folder.write("go", "");
@@ -187,8 +189,9 @@ TEST(Shell, LeavesNothingBehindInAnyMode) {
   for (int i = 0; i < 50; ++i) {
     capture("echo");
     status("true");
-    runShellCommand(agent::kBash, "true", ShellMode::WaitOnly);
-    runShellCommand(agent::kBash, "true", ShellMode::LaunchOnly);
+    for (const ShellMode mode : {ShellMode::WaitOnly, ShellMode::LaunchOnly}) {
+      EXPECT_EQ(runShellCommand(agent::kBash, "true", mode).outcome, ShellOutcome::Done);
+    }
   }
   EXPECT_EQ(openDescriptors(), before);
   EXPECT_TRUE(hasNoChild());
@@ -200,7 +203,10 @@ TEST(MissingShell, IsReportedAndCountsAsStatus127WithAnEmptyText) {
     testing::internal::CaptureStderr();
     const auto result = runShellCommand("/nowhere/sh", "true", mode);
     const std::string line = testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(line.ends_with(" unable to run /nowhere/sh: No such file or directory\n")) << line;
+    EXPECT_TRUE(
+        line.ends_with(" unable to run /nowhere/sh: posix_spawn: No such file or directory\n"))
+        << line;
+    EXPECT_EQ(result.outcome, ShellOutcome::NotStarted);
     EXPECT_EQ(result.status, 127);
     EXPECT_EQ(result.text, "");
   }
