@@ -1,19 +1,70 @@
-// NSJSONSerialization of base 1.28 accepts what is no JSON (01, trailing commas and garbage), turns
-// every number into a double, raises NSRangeException for some truncated texts, overruns the stack
-// on deep nesting and gives no NSError for invalid UTF-8. This one is strict and takes UTF-8.
+// NSJSONSerialization of base 1.28 accepts texts that are not JSON (01, trailing commas and
+// garbage), turns every number into a double, raises NSRangeException for some truncated texts,
+// overruns the stack on deep nesting and gives no NSError for invalid UTF-8. This one is strict
+// (RFC 8259): UTF-8, with or without a byte order mark, and only white space after the document. It
+// is built on nlohmann's parser, whose events it turns into Foundation objects. Numbers that fit 64
+// bits become integers, others doubles.
 
 #import <Foundation/Foundation.h>
 
-#include <optional>
-
-#include "json_reader.h"
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
 
 NSErrorUserInfoKey const NSDebugDescriptionErrorKey = @"NSDebugDescription";
 
 namespace {
 
-/// Builds the Foundation objects of a document.
-class ObjectBuilder final : public platform::JSONEvents {
+/// As deep as macOS's parser goes.
+constexpr NSUInteger kMaxDepth = 512;
+
+/// Counts the bytes that are read, since the parser gives no position with its events.
+class CountingIterator {
+ public:
+  using iterator_category = std::input_iterator_tag;
+  using value_type = char;
+  using difference_type = std::ptrdiff_t;
+  using pointer = const char *;
+  using reference = const char &;
+
+  CountingIterator(const char *at, std::size_t *count) : at_(at), count_(count) {}
+  reference operator*() const { return *at_; }
+  CountingIterator &operator++() {
+    ++at_;
+    ++*count_;
+    return *this;
+  }
+  bool operator==(const CountingIterator &other) const { return at_ == other.at_; }
+  bool operator!=(const CountingIterator &other) const { return at_ != other.at_; }
+
+ private:
+  const char *at_;
+  std::size_t *count_;
+};
+
+/// The reason in an nlohmann message: without its error number and position, and without the text
+/// that was read last, which may not be valid UTF-8.
+std::string reasonFrom(std::string message) {
+  const std::size_t number = message.find("] ");
+  if (number != std::string::npos) message.erase(0, number + 2);
+  const std::size_t position = message.find(": ");
+  if (message.starts_with("parse error at") && position != std::string::npos) {
+    message.erase(0, position + 2);
+  }
+  const std::size_t lastRead = message.find("; last read: '");
+  if (lastRead != std::string::npos) {
+    const std::size_t end = message.rfind('\'');
+    message.erase(lastRead, end + 1 - lastRead);
+  }
+  return message;
+}
+
+/// Builds the Foundation objects of a document. Returning false stops the parser.
+class ObjectBuilder final : public nlohmann::json_sax<nlohmann::json> {
  public:
   ObjectBuilder()
       : containers_([[NSMutableArray alloc] init]), keys_([[NSMutableArray alloc] init]) {}
@@ -26,37 +77,50 @@ class ObjectBuilder final : public platform::JSONEvents {
   }
 
   id root() const { return root_; }
+  const std::string &problem() const { return problem_; }
+  /// How many bytes end with the offending one; 0 when the parser found no fault itself.
+  std::size_t position() const { return position_; }
 
   bool null() override { return add([NSNull null]); }
   bool boolean(bool value) override { return add([NSNumber numberWithBool:value]); }
-  bool integer(std::int64_t value) override { return add([NSNumber numberWithLongLong:value]); }
-  bool unsignedInteger(std::uint64_t value) override {
+  bool number_integer(number_integer_t value) override {
+    return add([NSNumber numberWithLongLong:value]);
+  }
+  bool number_unsigned(number_unsigned_t value) override {
     const bool isSigned = value <= static_cast<std::uint64_t>(INT64_MAX);
     return add(isSigned ? [NSNumber numberWithLongLong:static_cast<std::int64_t>(value)]
                         : [NSNumber numberWithUnsignedLongLong:value]);
   }
-  bool real(double value) override { return add([NSNumber numberWithDouble:value]); }
-  bool string(std::string_view value) override { return add(text(value)); }
-  bool key(std::string_view name) override {
-    NSString *key = text(name);
-    if (key == nil) return false;
-    [keys_ addObject:key];
+  bool number_float(number_float_t value, const string_t &) override {
+    return add([NSNumber numberWithDouble:value]);
+  }
+  bool string(string_t &value) override { return add(nsString(value)); }
+  bool binary(binary_t &) override { return false; }
+  bool key(string_t &name) override {
+    [keys_ addObject:nsString(name)];
     return true;
   }
-  bool beginArray() override { return begin([NSMutableArray array]); }
-  bool endArray() override { return end(); }
-  bool beginObject() override { return begin([NSMutableDictionary dictionary]); }
-  bool endObject() override { return end(); }
+  bool start_array(std::size_t) override { return begin([NSMutableArray array]); }
+  bool end_array() override { return end(); }
+  bool start_object(std::size_t) override { return begin([NSMutableDictionary dictionary]); }
+  bool end_object() override { return end(); }
+
+  bool parse_error(std::size_t position, const std::string &,
+                   const nlohmann::detail::exception &exception) override {
+    position_ = position;
+    problem_ = reasonFrom(exception.what());
+    return false;
+  }
 
  private:
-  static NSString *text(std::string_view utf8) {
+  /// The parser passes valid UTF-8 only.
+  static NSString *nsString(std::string_view utf8) {
     return [[[NSString alloc] initWithBytes:utf8.data()
                                      length:utf8.size()
                                    encoding:NSUTF8StringEncoding] autorelease];
   }
 
   bool add(id value) {
-    if (value == nil) return false;
     id container = [containers_ lastObject];
     if (container == nil) {
       root_ = [value retain];
@@ -70,6 +134,10 @@ class ObjectBuilder final : public platform::JSONEvents {
   }
 
   bool begin(id container) {
+    if ([containers_ count] == kMaxDepth) {
+      problem_ = "nested more than " + std::to_string(kMaxDepth) + " levels deep";
+      return false;
+    }
     add(container);
     [containers_ addObject:container];
     return true;
@@ -83,7 +151,35 @@ class ObjectBuilder final : public platform::JSONEvents {
   NSMutableArray *containers_;
   NSMutableArray *keys_;
   id root_ = nil;
+  std::string problem_;
+  std::size_t position_ = 0;
 };
+
+/// "line 1, column 1: problem"; both count from 1, columns in characters.
+NSString *describe(std::string_view text, std::size_t offset, const std::string &problem) {
+  const std::string_view before = text.substr(0, offset);
+  const std::string_view line = before.substr(before.rfind('\n') + 1);  // npos + 1 is 0
+  const auto isCharacterStart = [](char byte) { return (byte & 0xC0) != 0x80; };
+  return [NSString stringWithFormat:@"line %td, column %td: %s",
+                                    std::count(before.begin(), before.end(), '\n') + 1,
+                                    std::count_if(line.begin(), line.end(), isCharacterStart) + 1,
+                                    problem.c_str()];
+}
+
+/// Why the text is not JSON; nil when it is, and the builder has its objects.
+NSString *parse(std::string_view text, ObjectBuilder &builder) {
+  // The parser takes NUL for the end of the text and would ignore the rest.
+  const std::string_view visible = text.substr(0, text.find('\0'));
+  std::size_t consumed = 0;
+  const bool complete = nlohmann::json::sax_parse(
+      CountingIterator(visible.data(), &consumed),
+      CountingIterator(visible.data() + visible.size(), &consumed), &builder);
+  const std::size_t position = builder.position() != 0 ? builder.position() : consumed;
+  if (position >= visible.size() && visible.size() < text.size()) {
+    return describe(text, visible.size(), "a NUL character");
+  }
+  return complete ? nil : describe(text, position == 0 ? 0 : position - 1, builder.problem());
+}
 
 id fail(NSError **error, NSString *description) {
   if (error != nullptr) {
@@ -114,11 +210,8 @@ bool isContainer(id object) {
   if ([data length] == 0) return fail(error, @"empty data is not JSON");
   ObjectBuilder builder;
   const std::string_view text(static_cast<const char *>([data bytes]), [data length]);
-  const std::optional<platform::JSONError> problem = platform::readJSON(text, builder);
-  if (problem.has_value()) {
-    return fail(error, [NSString stringWithFormat:@"line %zu, column %zu: %s", problem->line,
-                                                  problem->column, problem->problem.c_str()]);
-  }
+  NSString *problem = parse(text, builder);
+  if (problem != nil) return fail(error, problem);
   if (!isContainer(builder.root()) && !(options & NSJSONReadingFragmentsAllowed)) {
     return fail(error, @"line 1, column 1: the text is neither an array nor an object");
   }
