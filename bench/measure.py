@@ -19,7 +19,8 @@ from driver.interface import Interface
 from driver.editions import EDITIONS
 from driver.machine import ACCOUNTS, AGENT, DAEMON, SERVER_PLIST, STATE, Machine
 from driver.paths import LAB
-from driver.screen import Display, Program
+from driver.display import Display
+from driver.program import Program
 from observer import IN_MODIFY, IN_OPEN, FileWatch, Observer, end_of
 from table import print_table
 

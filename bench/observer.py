@@ -7,7 +7,7 @@ import select
 import time
 from pathlib import Path
 
-from driver.screen import Display
+from driver.display import Display
 
 SUBSTRUCTURE_NOTIFY = 1 << 19
 MAP_NOTIFY = 19

@@ -11,7 +11,7 @@ from driver.editions import EDITIONS, Edition
 from driver.framed import FramedDisplay
 from driver.machine import ACCOUNTS, AGENT, DAEMON, SERVER_PLIST, Machine, listen
 from driver.paths import LAB
-from driver.screen import Program, Window
+from driver.program import Program, Window
 from driver.waiting import wait_until
 
 SERVER = "192.0.2.10"

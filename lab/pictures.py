@@ -10,7 +10,7 @@ from driver.editions import EDITIONS, Edition
 from driver.framed import FramedDisplay
 from driver.keyboard import wait_for_keyboard
 from driver.machine import ACCOUNTS, Machine
-from driver.screen import Program
+from driver.program import Program
 
 LANGUAGES = max((edition.languages for edition in EDITIONS.values()), key=len)
 TOTAL = sum(len(LANGUAGES) + len(edition.languages) + 1 for edition in EDITIONS.values())

@@ -6,7 +6,7 @@ import time
 from collections import deque
 from pathlib import Path
 
-from .screen import Display
+from .display import Display
 from .waiting import wait_until
 
 OPENBOX = Path(__file__).with_name("openbox")

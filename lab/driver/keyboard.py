@@ -1,6 +1,7 @@
 """A display and windows that are used with the keyboard alone."""
 
-from .screen import WHITE, Display, Window
+from .display import WHITE, Display
+from .program import Window
 
 HIGHLIGHT = (179, 215, 255)
 MOUSE = {"click", "mousedown", "mousemove", "mousemove_relative", "mouseup"}

@@ -6,7 +6,8 @@ from pathlib import Path
 
 import pytest
 from driver.machine import ACCOUNTS, Machine
-from driver.screen import Display, Program
+from driver.display import Display
+from driver.program import Program
 
 PICTURES = Path(os.environ.get("LAB_BUILD", "")) / "e2e"
 REPORT_OF_BASH = re.compile(r'/bin/bash: line 1: +\d+ (Done|Broken pipe) +/bin/echo "[^"]*"$', re.M)

@@ -11,7 +11,7 @@ from pathlib import Path
 import pytest
 from expected_commands import server_plist
 from driver.machine import PREFERENCES, SERVER_PLIST
-from driver.screen import Program
+from driver.program import Program
 from driver.waiting import wait_until
 from apply_model import ALICE, NOISE, Place, ApplyModel
 

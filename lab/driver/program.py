@@ -1,89 +1,16 @@
-"""A display of one's own, and the program on it driven by real keyboard and mouse events."""
+"""The program, driven by real keyboard and mouse events."""
 
-import ctypes
-import os
 import re
 import subprocess
 from pathlib import Path
 
+from .display import WHITE, Colour, Display
 from .editions import EDITIONS, Edition
 from .interface import Interface
 from .paths import LAB
 from .waiting import wait_until
 
-WHITE = (255, 255, 255)
-MENU_HIGHLIGHT = (10, 122, 255)
-
-
-class Display:
-    """An X server with one screen and no window manager: windows have no frame, keys go to the
-    window under the pointer."""
-
-    def __init__(self, size: str = "1280x900x24"):
-        reading, writing = os.pipe()
-        self._server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-ac", "-noreset"]
-            + ["-nolisten", "tcp"],
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.DEVNULL,
-            stderr=subprocess.DEVNULL,
-            pass_fds=[writing],
-        )
-        os.close(writing)
-        with os.fdopen(reading) as announced:
-            number = announced.readline().strip()
-        if not number:
-            raise RuntimeError("Xvfb did not start")
-        self.name = f":{number}"
-        self.environment = os.environ | {"DISPLAY": self.name}
-        self._x11 = ctypes.CDLL("libX11.so.6")
-        for function in ("XOpenDisplay", "XGetImage"):
-            getattr(self._x11, function).restype = ctypes.c_void_p
-        for function in ("XGetPixel", "XDefaultRootWindow"):
-            getattr(self._x11, function).restype = ctypes.c_ulong
-        self._connection = ctypes.c_void_p(self._x11.XOpenDisplay(self.name.encode()))
-        self._root = ctypes.c_ulong(self._x11.XDefaultRootWindow(self._connection))
-
-    def close(self) -> None:
-        self._x11.XCloseDisplay(self._connection)
-        self._server.terminate()
-        self._server.wait()
-
-    def xdotool(self, *words: object) -> str:
-        """Runs xdotool and returns what it prints: nothing when it fails, for example because a
-        window is gone."""
-        return subprocess.run(
-            ["xdotool", *map(str, words)],
-            env=self.environment,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.DEVNULL,
-            text=True,
-            check=False,
-            timeout=60,
-        ).stdout
-
-    def geometry(self, window: str) -> tuple[int, int, int, int] | None:
-        """Left, top, width and height of a window, if there is such a window."""
-        text = self.xdotool("getwindowgeometry", "--shell", window)
-        values = dict(line.split("=") for line in text.splitlines())
-        names = ("X", "Y", "WIDTH", "HEIGHT")
-        return tuple(int(values[name]) for name in names) if values else None
-
-    def pixel(self, x: int, y: int) -> tuple[int, int, int]:
-        """The colour of a point of the screen: red, green, blue."""
-        all_planes, as_pixels = ctypes.c_ulong(2**64 - 1), 2
-        image = ctypes.c_void_p(
-            self._x11.XGetImage(self._connection, self._root, x, y, 1, 1, all_planes, as_pixels)
-        )
-        value = self._x11.XGetPixel(image, 0, 0)
-        self._x11.XDestroyImage(image)
-        return value >> 16 & 255, value >> 8 & 255, value & 255
-
-    def screenshot(self, file: Path) -> None:
-        """Writes the whole screen to a PNG file."""
-        file.parent.mkdir(parents=True, exist_ok=True)
-        command = ["import", "-window", "root", str(file)]
-        subprocess.run(command, env=self.environment, check=True, timeout=60)
+MENU_HIGHLIGHT: Colour = (10, 122, 255)
 
 
 class Window:

@@ -1,0 +1,243 @@
+"""Every script and every option of it: in a copy of the tree in which expensive commands only record
+how they were called."""
+
+import os
+import re
+import shutil
+import subprocess
+from pathlib import Path
+
+import pytest
+from driver.display import Display
+from driver.interface import Interface
+from driver.paths import REPOSITORY
+from driver.waiting import wait_until
+
+BUILD = Path(os.environ.get("BUILD", REPOSITORY / "build"))
+# Called by other programs only, never by a person: simulated commands of the lab, the compiler of the
+# cross-build.
+NOT_FOR_PEOPLE = ("lab/simulated/", "platform/macos/toolchain/c++")
+
+
+def tracked(*patterns: str) -> list[str]:
+    listing = ["git", "-C", REPOSITORY, "ls-files", "--cached", "--others", "--exclude-standard"]
+    output = subprocess.run([*listing, "--", *patterns], capture_output=True, text=True, check=True)
+    return [name for name in output.stdout.splitlines() if (REPOSITORY / name).exists()]
+
+
+def is_script(name: str) -> bool:
+    with (REPOSITORY / name).open("rb") as file:
+        return file.read(2) == b"#!" and not name.startswith(NOT_FOR_PEOPLE)
+
+
+SCRIPTS = [name for name in tracked(".ci", "lab", "script", "tests/with-display") if is_script(name)]
+# Its options are those of ctest.
+PASSES_OPTIONS_ON = {"script/test"}
+
+RECORD = """#!/bin/bash
+printf '%s' "${0#"$TREE/"}" >> "$TREE/calls"
+printf ' %s' "$@" >> "$TREE/calls"
+echo >> "$TREE/calls"
+"""
+ON_PATH = ("apt-get", "cmake", "ctest", "npm", "sudo")
+
+
+class Tree:
+    """A copy of the scripts. The given commands, and those that are expensive everywhere, are replaced."""
+
+    def __init__(self, folder: Path):
+        self.folder, self.output = folder, ""
+        for name in (*SCRIPTS, *tracked("script", "fuzz/corpus", "resources", "platform/macos/toolchain")):
+            (folder / name).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy2(REPOSITORY / name, folder / name)
+        (folder / "build").mkdir()
+        shutil.copy2(BUILD / "editions.tsv", folder / "build")
+        (folder / "build/build.ninja").touch()
+        self.replace(*(f"bin/{name}" for name in ON_PATH))
+        for target in (REPOSITORY / "fuzz/corpus").iterdir():
+            self.replace(f"build/fuzz/fuzz/fuzz_{target.name}")
+        (folder / "build/Testing/Temporary").mkdir(parents=True)
+        (folder / "build/Testing/Temporary/LastTest.log").touch()
+
+    def replace(self, *names: str, text: str = RECORD) -> None:
+        for name in names:
+            (self.folder / name).parent.mkdir(parents=True, exist_ok=True)
+            (self.folder / name).write_text(text)
+            (self.folder / name).chmod(0o755)
+
+    def run(self, *command: str, status: int = 0) -> list[str]:
+        """Runs a script from another folder and returns the calls that it made."""
+        script, *arguments = command
+        calls = self.folder / "calls"
+        calls.write_text("")
+        path = f"{self.folder}/bin:{os.environ['PATH']}"
+        result = subprocess.run(
+            [self.folder / script, *arguments],
+            cwd="/",
+            env=os.environ | {"TREE": str(self.folder), "PATH": path},
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
+            check=False,
+            timeout=60,
+        )
+        self.output = result.stdout
+        assert result.returncode == status, result.stdout + result.stderr
+        return calls.read_text().splitlines()
+
+
+@pytest.fixture
+def tree(tmp_path: Path) -> Tree:
+    return Tree(tmp_path)
+
+
+def call(*words: str, timeout: float = 60) -> subprocess.CompletedProcess[str]:
+    script, *arguments = words
+    return subprocess.run(
+        [REPOSITORY / script, *arguments],
+        cwd="/",
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        text=True,
+        check=False,
+        timeout=timeout,
+    )
+
+
+@pytest.mark.parametrize("option", ["--help", "-h"])
+@pytest.mark.parametrize("script", SCRIPTS)
+def test_help_tells_the_usage(script: str, option: str) -> None:
+    result = call(script, option)
+    assert (result.returncode, result.stderr) == (0, "")
+    assert result.stdout.startswith(f"usage: {script}")
+
+
+@pytest.mark.parametrize("script", [name for name in SCRIPTS if name not in PASSES_OPTIONS_ON])
+def test_an_unknown_option_is_refused_with_the_usage(script: str) -> None:
+    result = call(script, "--no-such-option")
+    assert (result.returncode, result.stdout) == (2, "")
+    assert result.stderr.startswith(f"usage: {script}")
+
+
+# Script and arguments, what is replaced for it, and calls that it makes, in this order.
+# script/check-macos --self-test and script/package are run by tests/macos.
+RUNS = [
+    ("script/bench", "build/bench/bench/commands_bench", r"commands_bench .*=90 ;measure.py .* 30$"),
+    ("script/bench 5", "build/bench/bench/commands_bench", r"commands_bench .*=15 ;measure.py .* 5$"),
+    ("script/bootstrap", "bin/dpkg-query", r"apt-get update;apt-get install .* clang "),
+    ("script/build", "", "--target all "),
+    ("script/build Zentavo", "", "--target Zentavo$"),
+    ("script/build Oskel Fennrow", "", "--target Quorvix Fennrow$"),
+    ("script/demo", "script/build", "script/build;lab/run -- .* Zentavo --language en --pictures /"),
+    ("script/demo --edition Oskel", "script/build", "lab/run -- .* Quorvix "),
+    ("script/demo --language de", "script/build", "lab/run -- .* --language de "),
+    ("script/demo --by-hand", "script/build", "lab/run --display -- .* --by-hand$"),
+    ("script/faults", "script/test", "script/test -C Faults"),
+    ("script/fuzz", "", "--target fuzz_targets;fuzz_utf8 -max_total_time=1[0-9] "),
+    ("script/fuzz 10", "", "--target fuzz_targets;fuzz_utf8 -max_total_time=[1-9] "),
+    ("script/lint shell", "bin/git bin/xargs", " shellcheck$"),
+    ("script/lint shell format", "bin/git bin/xargs", " shellcheck$; clang-format "),
+    ("script/sanitize", "", "cmake --preset asan;ctest .*unit;ctest .*window"),
+    ("script/stress", "script/test", r"script/test -R \^stress"),
+    ("script/test", "script/build", "ctest --test-dir build .* --parallel 2$"),
+    ("script/test -R unit", "script/build", "ctest .* -R unit$"),
+]
+
+
+@pytest.mark.parametrize(("command", "replaced", "expected"), RUNS, ids=[run[0] for run in RUNS])
+def test_a_script_runs_with_its_options(
+    tree: Tree, command: str, replaced: str, expected: str
+) -> None:
+    if command != "script/bootstrap":
+        tree.replace("script/bootstrap")
+    tree.replace("lab/run", *replaced.split())
+    calls = tree.run(*command.split())
+    for pattern in expected.split(";"):
+        found = [i for i, line in enumerate(calls) if re.search(pattern, line)]
+        assert found, f"no call like {pattern!r} in {calls}"
+        calls = calls[found[0] + 1 :]
+
+
+def test_an_unknown_check_fails(tree: Tree) -> None:
+    tree.replace("script/bootstrap")
+    tree.run("script/lint", "no_such_check", status=1)
+
+
+def test_editions_are_listed_by_vendor_and_found_by_product() -> None:
+    table = (BUILD / "editions.tsv").read_text().splitlines()[1:]
+    every = call("script/editions", "--build", str(BUILD)).stdout.splitlines()
+    assert every == [row.split("\t")[0] for row in table]
+    found = call("script/editions", "--build", str(BUILD), "Oskel", "Zentavo", "Quorvix")
+    assert found.stdout.splitlines() == ["Quorvix", "Zentavo", "Quorvix"]
+
+
+@pytest.mark.parametrize("script", ["script/build", "script/editions", "script/demo --edition"])
+def test_an_unknown_edition_is_refused(tree: Tree, script: str) -> None:
+    tree.replace("script/bootstrap", "lab/run")
+    calls = tree.run(*script.split(), "Oskl", status=2)
+    assert not any("Oskl" in line for line in calls)
+
+
+def test_the_icon_is_drawn(tree: Tree) -> None:
+    icons = [tree.folder / f"resources/AppIcon.{ending}" for ending in ("icns", "png")]
+    for icon in icons:
+        icon.unlink()
+    tree.run("script/icon")
+    assert [icon.read_bytes()[:4] for icon in icons] == [b"icns", b"\x89PNG"]
+
+
+def test_pictures_that_have_changed_replace_the_old_ones_and_others_go(tree: Tree) -> None:
+    tree.replace("script/build")
+    taken = "mkdir -p build/pictures; echo new > build/pictures/changed.png; echo same > build/pictures/same.png"
+    tree.replace("lab/run", text=f"#!/bin/bash\n{taken}\n")
+    kept = tree.folder / "docs/pictures"
+    kept.mkdir(parents=True)
+    for name in ("changed", "same", "gone"):
+        (kept / f"{name}.png").write_text("same\n")
+    tree.run("script/pictures")
+    assert tree.output == "docs/pictures/changed.png\n"
+    assert {file.name: file.read_text() for file in kept.iterdir()} == {
+        "changed.png": "new\n",
+        "same.png": "same\n",
+    }
+
+
+def test_the_demo_by_hand_opens_the_program_on_the_users_display() -> None:
+    display = Display()
+    x, y = Interface("MainMenu").box("QuitButton").middle
+
+    def quit_the_program() -> bool:
+        title = "^Oskel Configuration Utility$"
+        for window in display.xdotool("search", "--onlyvisible", "--name", title).split():
+            if place := display.geometry(window):
+                display.xdotool("mousemove", place[0] + x, place[1] + y, "click", 1)
+        return demo.poll() is not None
+
+    demo = subprocess.Popen(
+        [REPOSITORY / "script/demo", "--edition", "Oskel", "--by-hand"],
+        env=display.environment,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        text=True,
+    )
+    try:
+        wait_until(quit_the_program, "end of the demo", 60)
+        output = demo.communicate()[0]
+    finally:
+        demo.kill()
+        display.close()
+    assert demo.returncode == 0, output
+    assert "Apply and Quit end the program" in output
+    assert output.endswith("exit status: 0\n")
+
+
+COMMAND = re.compile(r"(?<![\w/.])((?:script|lab|\.ci)/[\w-]+)(?![\w./-])([^`#|;\n]*)")
+
+
+@pytest.mark.parametrize("document", tracked("*.md"))
+def test_commands_in_the_documents_exist_with_their_options(document: str) -> None:
+    for script, arguments in COMMAND.findall((REPOSITORY / document).read_text()):
+        assert script in SCRIPTS, f"{document} shows {script}"
+        for option in re.findall(r" (--\w[\w-]*)", arguments.split(" -- ")[0]):
+            assert option in call(script, "--help").stdout, f"{document} shows {script} {option}"
