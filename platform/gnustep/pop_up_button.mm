@@ -36,6 +36,7 @@
 - (NSRect)titleRectForBounds:(NSRect)bounds {
   NSRect title = [super titleRectForBounds:bounds];
   title.origin.x = NSMinX(bounds) + 13;
+  title.origin.y -= 1;
   return title;
 }
 

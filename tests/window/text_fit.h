@@ -17,6 +17,9 @@ std::string nameOf(NSView *control, id owner);
 /// The controls of a window, from the first to the last of its interface file.
 std::vector<NSView *> controlsOf(NSWindow *window);
 
+/// Whether the user types in that control.
+bool isField(NSView *view);
+
 /// A line for each text of the window, its title included, that has too little room: the control,
 /// what is needed with the spare room and what is there, and the missing points. Pop-ups are
 /// measured with each item.

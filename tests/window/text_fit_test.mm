@@ -18,9 +18,9 @@ using i18n::Language;
 
 constexpr Language kLanguages[] = {Language::En, Language::Fr, Language::It, Language::Ge,
                                    Language::Es};
-// As long as the text of an IPv6 address gets, with an IPv4 address at its end, in wide digits.
-constexpr const char *kLongAddress = "2001:0db8:8888:8888:8888:8888:255.255.255.255";
-static_assert(std::string_view(kLongAddress).size() == 45);
+// An IPv6 address in full, in wide digits.
+constexpr const char *kLongAddress = "2001:0db8:8888:8888:8888:8888:8888:8888";
+static_assert(std::string_view(kLongAddress).size() == 39);
 
 /// The text made longer by that part of itself.
 std::string longer(const std::string &text, double part) {
@@ -118,7 +118,8 @@ TEST_F(Fit, FindsATextLengthenedBy40PercentInEachControl) {
   for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
                                openSettingsIn(app::kEditions[0], Language::En)}) {
     for (NSView *control : controlsOf(opened.window)) {
-      if ([control isKindOfClass:[NSBox class]] || [control isKindOfClass:[NSImageView class]]) {
+      if (![control isKindOfClass:[NSControl class]] || [control isKindOfClass:[NSImageView class]] ||
+          isField(control)) {
         continue;
       }
       const std::string name = nameOf(control, opened.owner);
@@ -136,6 +137,24 @@ TEST_F(Fit, FindsATextLengthenedBy40PercentInEachControl) {
       EXPECT_EQ(findings[0].find(name + " \""), 0U) << findings[0];
       EXPECT_NE(findings[0].find(" missing"), std::string::npos) << findings[0];
       show(control, "");
+    }
+  }
+}
+
+TEST_F(Fit, AnIPv6AddressFitsInTheServerFieldAndAnyLongerTextEndsWithAnEllipsis) {
+  const id owner = openSettingsIn(app::kEditions[0], Language::En).owner;
+  NSTextField *server = outlet<NSTextField>(owner, "servername");
+  EXPECT_LE([[server cell] cellSize].width, NSWidth([server frame]));
+  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
+                               openSettingsIn(app::kEditions[0], Language::En)}) {
+    for (NSView *view : controlsOf(opened.window)) {
+      const bool isText = [view isKindOfClass:[NSTextField class]];
+      if (!isText && ![view isKindOfClass:[NSPopUpButton class]]) continue;
+      const NSLineBreakMode mode = [[static_cast<NSControl *>(view) cell] lineBreakMode];
+      const std::string name = nameOf(view, opened.owner);
+      EXPECT_EQ(mode,
+                name == "admin_msg" ? NSLineBreakByWordWrapping : NSLineBreakByTruncatingTail)
+          << name;
     }
   }
 }
@@ -179,12 +198,55 @@ TEST_F(Fit, LabelsEndAndFieldsBeginOnOneLineAndEachRowHasOneMiddle) {
                  {{"username_label", "username"}, {"password_label", "password"}});
   checkAlignment(openSettingsIn(app::kEditions[0], Language::En).owner,
                  {{"language_label", "selectLanguage"},
-                  {"server_label", "mode"},
-                  {"servername"},
+                  {"server_label", "mode", "servername"},
                   {"port_label", "port"},
                   {"testChoice", "TestButton", "testStatus"},
                   {"reset_settings"},
                   {"MDM_profile"}});
+}
+
+/// How far two controls of a row are apart, as the user sees them.
+CGFloat gap(id owner, const char *left, const char *right) {
+  return NSMinX(visibleFrame(outlet<NSView>(owner, right))) -
+         NSMaxX(visibleFrame(outlet<NSView>(owner, left)));
+}
+
+TEST_F(Fit, ButtonsAre12PointsApart) {
+  EXPECT_EQ(gap(openLoginIn(app::kEditions[0], Language::En).owner, "QuitButton", "OkButton"), 12);
+  EXPECT_EQ(
+      gap(openSettingsIn(app::kEditions[0], Language::En).owner, "Quit_button", "Apply_button"),
+      12);
+}
+
+// Texts of 13 points share a baseline when a label's frame of 17 points begins that far above the
+// frame of a field of 22 points or of a pop-up button of 25.
+TEST_F(Fit, LabelsStandOnTheBaselinesOfTheirControls) {
+  constexpr CGFloat kAboveField = 2, kAbovePopUp = 5;
+  const auto above = [](id owner, const char *label, const char *control) {
+    return NSMinY([outlet<NSView>(owner, label) frame]) -
+           NSMinY([outlet<NSView>(owner, control) frame]);
+  };
+  id owner = openLoginIn(app::kEditions[0], Language::En).owner;
+  EXPECT_EQ(above(owner, "username_label", "username"), kAboveField);
+  EXPECT_EQ(above(owner, "password_label", "password"), kAboveField);
+  owner = openSettingsIn(app::kEditions[0], Language::En).owner;
+  EXPECT_EQ(above(owner, "language_label", "selectLanguage"), kAbovePopUp);
+  EXPECT_EQ(above(owner, "server_label", "mode"), kAbovePopUp);
+  EXPECT_EQ(above(owner, "server_label", "servername"), kAboveField);
+  EXPECT_EQ(above(owner, "port_label", "port"), kAboveField);
+}
+
+// A click far to the right of a short title must not toggle an option that deletes files.
+TEST_F(Fit, CheckBoxesAreNoWiderThanTheirLongestTitleNeeds) {
+  CGFloat needed = 0, there = 0;
+  for (const Language lang : kLanguages) {
+    const id owner = openSettingsIn(app::kEditions[0], lang).owner;
+    NSButton *checkBox = outlet<NSButton>(owner, "reset_settings");
+    needed = std::max(needed, [[checkBox cell] cellSize].width);
+    there = NSWidth([checkBox frame]);
+    EXPECT_EQ(NSWidth([outlet<NSButton>(owner, "MDM_profile") frame]), there);
+  }
+  EXPECT_LE(there, std::ceil(needed * (1 + kSpare)) + 5);
 }
 
 TEST_F(Fit, TitlesOfPopUpsBeginOnOneLineAlsoWhereOneLanguageIsOffered) {
@@ -209,7 +271,8 @@ TEST_F(Fit, TheHeadingIsBold) {
 TEST_F(Fit, WindowsHaveAFixedSizeAndOpenInTheMiddleOfTheScreen) {
   for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
                                openSettingsIn(app::kEditions[0], Language::En)}) {
-    EXPECT_EQ([opened.window styleMask], NSTitledWindowMask | NSClosableWindowMask);
+    // Closed, it would leave a program without a window.
+    EXPECT_EQ([opened.window styleMask], NSTitledWindowMask);
     const NSRect screen = [[NSScreen mainScreen] frame];
     EXPECT_TRUE(NSContainsRect(screen, [opened.window frame]));
     EXPECT_NEAR(NSMidX([opened.window frame]), NSMidX(screen), 1);

@@ -120,14 +120,14 @@ def arrows(x: float, y: float, fill: tuple[str, str], stroke: str) -> str:
 def pop_up_buttons() -> list[Tile]:
     """Pop-up buttons of 20 points within frames of 25, as on macOS."""
     tiles = []
-    box = (3, 2, 42, 20)
+    box = (3, 1, 42, 20)
     for state, (fill, edge, has_focus) in with_focus(PUSH_BUTTONS).items():
         blue, white = (("#4a9dff", "#0a74f8"), "#ffffff")
         if state == "Disabled":
             blue, white = (("#e0e0e0", "#e0e0e0"), "#a5a5a5")
-        svg = bezel(box, fill, edge) + arrows(27, 4, blue, white)
+        svg = bezel(box, fill, edge) + arrows(27, 3, blue, white)
         svg += ring(*box, 5) if has_focus else ""
-        stretch, content = Insets(10, 12, 22, 12), Insets(3, 2, 3, 3)
+        stretch, content = Insets(10, 12, 22, 12), Insets(3, 1, 3, 4)
         tiles.append(Tile("PopUpButton" + state, 48, 25, svg, stretch, content))
     return tiles
 
