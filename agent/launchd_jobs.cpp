@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "agent/command_prefix.h"
+#include "agent/installation.h"
 #include "agent/shell.h"
 #include "app/diagnostics.h"
 
@@ -19,6 +20,8 @@ constexpr std::string_view kUnloadDaemon =
     "/bin/launchctl unload -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
 constexpr std::string_view kLoadDaemon =
     "/bin/launchctl load -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
+
+static_assert(kUnloadDaemon.ends_with(kDaemonJobFile) && kLoadDaemon.ends_with(kDaemonJobFile));
 
 // The two spaces in the first command and the one in the second are required.
 constexpr std::string_view kListAgent =

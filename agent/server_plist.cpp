@@ -1,7 +1,6 @@
 #include "agent/server_plist.h"
 
 #include <optional>
-#include <system_error>
 
 #include "agent/atomic_file.h"
 #include "agent/server_plist_path.h"
@@ -35,12 +34,12 @@ std::string serverPlistText(const ServerPlist &values) {
          "    </plist>";
 }
 
-void generateServerPlistFile(const ServerPlist &values) {
+std::error_code generateServerPlistFile(const ServerPlist &values) {
   const std::optional<std::string> path = serverPlistPath();
-  if (!path) return;
-  if (const std::error_code error = writeFileAtomically(*path, serverPlistText(values))) {
-    app::printErrorLog("unable to write in " + *path + " with error " + error.message());
-  }
+  if (!path) return {};
+  const std::error_code error = writeFileAtomically(*path, serverPlistText(values));
+  if (error) app::printErrorLog("unable to write in " + *path + " with error " + error.message());
+  return error;
 }
 
 }  // namespace agent

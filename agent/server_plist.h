@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <system_error>
 
 /// The agent's preferences file, server.plist. The program writes it itself, with its own rights.
 namespace agent {
@@ -18,7 +19,7 @@ struct ServerPlist {
 std::string serverPlistText(const ServerPlist &values);
 
 /// Replaces server.plist atomically; its folder must exist. A failure is written to the error log
-/// and reported nowhere else. Does nothing when the platform reports no local Library folder.
-void generateServerPlistFile(const ServerPlist &values);
+/// and returned. Does nothing when the platform reports no local Library folder.
+std::error_code generateServerPlistFile(const ServerPlist &values);
 
 }  // namespace agent

@@ -9,6 +9,9 @@
 /// required: what its commands print reaches the program's own streams.
 namespace agent {
 
+/// The daemon's settings file.
+inline constexpr std::string_view kDaemonSettings = "daemon.settings.xml";
+
 /// Deletes one settings file (a bare name) as root.
 void deleteSettings(std::string_view oem, const Credentials &administrator,
                     std::string_view filename);

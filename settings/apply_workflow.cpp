@@ -1,8 +1,5 @@
 #include "settings/apply_workflow.h"
 
-#include <array>
-#include <string_view>
-
 #include "agent/launchd_jobs.h"
 #include "agent/server_plist.h"
 #include "agent/settings_reset.h"
@@ -11,18 +8,23 @@
 namespace settings {
 namespace {
 
-constexpr std::array<std::string_view, 3> kSettingsFilesToDelete{
-    "safeguarding_server.xml", "tkprotocolserver.settings.xml", "safeguarding_cloud.xml"};
-
 std::string withoutNewlines(std::string text) {
   std::erase(text, '\n');
   return text;
 }
 
 agent::ConsoleUser lookUpConsoleUser() {
-  std::string user = withoutNewlines(agent::getloggedInUser());
-  std::string uid = withoutNewlines(agent::getloggedInUID(user));
+  std::string user = lookUpConsoleUserName();
+  std::string uid = lookUpUserId(user);
   return {.user = std::move(user), .uid = std::move(uid)};
+}
+
+std::optional<agent::ConsoleUser> consoleUserFor(const ApplyRequest &request) {
+  if (request.nobodyAtConsole) return std::nullopt;
+  const agent::ConsoleUser console =
+      request.consoleUser ? *request.consoleUser : lookUpConsoleUser();
+  app::printLine("USER=" + console.user + " uid=" + console.uid);
+  return console;
 }
 
 void resetSettings(const ApplyRequest &request) {
@@ -40,25 +42,32 @@ std::optional<agent::ConsoleUser> consoleUserFromArguments(
   return agent::ConsoleUser{.user = arguments[1], .uid = arguments[2]};
 }
 
-void applySettings(const ApplyRequest &request) {
-  const agent::ConsoleUser console =
-      request.consoleUser ? *request.consoleUser : lookUpConsoleUser();
-  app::printLine("USER=" + console.user + " uid=" + console.uid);
+std::string lookUpConsoleUserName() { return withoutNewlines(agent::getloggedInUser()); }
+
+std::string lookUpUserId(const std::string &user) {
+  return withoutNewlines(agent::getloggedInUID(user));
+}
+
+ApplyOutcome applySettings(const ApplyRequest &request) {
+  const std::optional<agent::ConsoleUser> console = consoleUserFor(request);
+  const agent::Credentials &administrator = request.administrator;
 
   // Each check asks launchd afresh: an operation before it may have failed.
-  if (agent::checkGlobalAgent(console)) agent::stopGlobalAgent(console);
-  if (agent::checkGlobalDaemon(request.administrator)) {
-    agent::stopGlobalDaemon(request.administrator);
-  }
-  agent::generateServerPlistFile({.server = request.server,
-                                  .port = request.port,
-                                  .lang = request.language,
-                                  .profile = request.profile});
+  if (console && agent::checkGlobalAgent(*console)) agent::stopGlobalAgent(*console);
+  if (agent::checkGlobalDaemon(administrator)) agent::stopGlobalDaemon(administrator);
+
+  ApplyOutcome outcome;
+  outcome.write = agent::generateServerPlistFile({.server = request.server,
+                                                  .port = request.port,
+                                                  .lang = request.language,
+                                                  .profile = request.profile});
   if (request.reset_settings) resetSettings(request);
-  if (!agent::checkGlobalDaemon(request.administrator)) {
-    agent::startGlobalDaemon(request.administrator);
-  }
-  if (!agent::checkGlobalAgent(console)) agent::startGlobalAgent(console, true);
+
+  outcome.daemonStarted = !agent::checkGlobalDaemon(administrator);
+  if (outcome.daemonStarted) agent::startGlobalDaemon(administrator);
+  outcome.agentStarted = console && !agent::checkGlobalAgent(*console);
+  if (outcome.agentStarted) agent::startGlobalAgent(*console, true);
+  return outcome;
 }
 
 }  // namespace settings

@@ -1,12 +1,19 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "agent/accounts.h"
 
 namespace settings {
+
+/// The agent's settings files that a reset deletes, in this order.
+inline constexpr std::array<std::string_view, 3> kSettingsFilesToDelete{
+    "safeguarding_server.xml", "tkprotocolserver.settings.xml", "safeguarding_cloud.xml"};
 
 /// What an administrator asked for, already validated, and as whom it is to be done.
 struct ApplyRequest {
@@ -19,6 +26,18 @@ struct ApplyRequest {
   agent::Credentials administrator;
   /// Looked up by commands when nothing is given.
   std::optional<agent::ConsoleUser> consoleUser;
+  /// Nobody is logged in at the console: the per-user job is neither stopped nor started, since
+  /// there is no domain of a user to start it in. `consoleUser` is not looked at.
+  bool nobodyAtConsole = false;
+};
+
+/// What cannot be seen in the system afterwards.
+struct ApplyOutcome {
+  std::error_code write;  ///< of server.plist
+  /// Whether the job was loaded by this run. One that refused to stop is still loaded, with the
+  /// settings that it read when it started.
+  bool daemonStarted = false;
+  bool agentStarted = false;
 };
 
 /// The console user that the program was started with: exactly two arguments after the program's
@@ -26,11 +45,17 @@ struct ApplyRequest {
 std::optional<agent::ConsoleUser> consoleUserFromArguments(
     const std::vector<std::string> &arguments);
 
+/// Name of the user who owns the console, and the numeric id of that user, as commands find them,
+/// without newlines. Neither is checked: the name may be empty, and what should be an id may be the
+/// message of a failed command.
+std::string lookUpConsoleUserName();
+std::string lookUpUserId(const std::string &user);
+
 /// Stops the agent's launchd jobs that are loaded, writes server.plist, resets the agent's settings
 /// if asked, and loads the jobs that are not loaded. The per-user job stops first and starts last.
-/// Blocks to the end and never skips a step because an earlier one failed; failures show only in
-/// the remarks and the error log of the single operations. Killed in between, it leaves the jobs
+/// Blocks to the end and never skips a step because an earlier one failed; the operations report
+/// failures in their status messages and the error log. Killed in between, it leaves the jobs
 /// stopped.
-void applySettings(const ApplyRequest &request);
+ApplyOutcome applySettings(const ApplyRequest &request);
 
 }  // namespace settings

@@ -14,6 +14,22 @@ struct ServerData {
   bool operator==(const ServerData &) const = default;
 };
 
+/// What server.plist holds, each value only where it is of the right type. UTF-8 texts.
+struct StoredValues {
+  std::optional<std::string> language;
+  std::optional<std::string> server;
+  std::optional<std::string> port;  ///< an integer in decimal digits, not range-checked
+  std::optional<bool> profile;
+  bool operator==(const StoredValues &) const = default;
+};
+
+/// Reads server.plist as it is. No values from a missing or bad file, or when the platform reports
+/// no local Library folder.
+StoredValues getStoredValues();
+
+/// The same for the file at `path`.
+StoredValues readStoredValues(const std::string &path);
+
 /// Reads server.plist. A missing or bad file, and each value of a wrong type, gives the default of
 /// that value: the system's language narrowed to English or French, an empty server, port 6000.
 /// Nothing only when the platform reports no local Library folder. Reports and writes nothing.

@@ -11,20 +11,28 @@
 namespace settings {
 namespace {
 
-std::string stringOrEmpty(id value) {
-  return [value isKindOfClass:[NSString class]] ? app::utf8(value) : std::string();
+std::optional<std::string> stringValue(id value) {
+  if (![value isKindOfClass:[NSString class]]) return std::nullopt;
+  return app::utf8(value);
+}
+
+/// Whether the value is a number whose type letter is one of those.
+bool isNumber(id value, std::string_view typeLetters) {
+  if (![value isKindOfClass:[NSNumber class]]) return false;
+  const std::string_view type = [value objCType];
+  return type.size() == 1 && typeLetters.find(type) != std::string_view::npos;
 }
 
 // Only a property-list integer is a port. The type letter tells it from a boolean (c, C, B) and a
 // real (f, d); numbers beyond 64 bits show as the platform gives them.
-std::string portValue(id value) {
-  if ([value isKindOfClass:[NSNumber class]]) {
-    const std::string_view type = [value objCType];
-    if (type.size() == 1 && std::string_view("silqSILQ").find(type) != std::string_view::npos) {
-      return app::utf8([value stringValue]);
-    }
-  }
-  return std::string(kDefaultPort);
+std::optional<std::string> integerValue(id value) {
+  if (!isNumber(value, "silqSILQ")) return std::nullopt;
+  return app::utf8([value stringValue]);
+}
+
+std::optional<bool> booleanValue(id value) {
+  if (!isNumber(value, "cCB")) return std::nullopt;
+  return [value boolValue] != NO;
 }
 
 std::string systemLanguageCode() {
@@ -46,13 +54,28 @@ std::string systemLanguage(const std::vector<std::string> &preferredLanguages,
   return code == "en" || code == "fr" ? code : "en";
 }
 
-ServerData readServerData(const std::string &path) {
+StoredValues readStoredValues(const std::string &path) {
   @autoreleasepool {
     NSDictionary *stored =
         [[[NSDictionary alloc] initWithContentsOfFile:app::nsString(path)] autorelease];
-    ServerData data{.language = stringOrEmpty([stored objectForKey:@"language"]),
-                    .server = stringOrEmpty([stored objectForKey:@"server"]),
-                    .port = portValue([stored objectForKey:@"port"])};
+    return {.language = stringValue([stored objectForKey:@"language"]),
+            .server = stringValue([stored objectForKey:@"server"]),
+            .port = integerValue([stored objectForKey:@"port"]),
+            .profile = booleanValue([stored objectForKey:@"profile"])};
+  }
+}
+
+StoredValues getStoredValues() {
+  const std::optional<std::string> path = agent::serverPlistPath();
+  return path ? readStoredValues(*path) : StoredValues{};
+}
+
+ServerData readServerData(const std::string &path) {
+  @autoreleasepool {
+    const StoredValues stored = readStoredValues(path);
+    ServerData data{.language = stored.language.value_or(""),
+                    .server = stored.server.value_or(""),
+                    .port = stored.port.value_or(std::string(kDefaultPort))};
     if (data.language.empty()) data.language = systemLanguageCode();
     return data;
   }

@@ -75,7 +75,7 @@ class Apply : public testing::Test {
   Lines apply() {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    settings::applySettings(request_);
+    outcome_ = settings::applySettings(request_);
     printed_ = testing::internal::GetCapturedStdout();
     errors_ = testing::internal::GetCapturedStderr();
     return recordingShell().commandLines();
@@ -93,6 +93,7 @@ class Apply : public testing::Test {
   bool daemonLoaded_ = true;
   bool stopsFail_ = false;
   bool startsFail_ = false;
+  settings::ApplyOutcome outcome_;
   std::vector<bool> fileAtCommand_;
   std::string printed_;
   std::string errors_;
@@ -148,6 +149,23 @@ TEST_F(Apply, TakesAGivenConsoleUserAsItIs) {
   EXPECT_TRUE(printed_.starts_with("USER= x\n uid=abc\n")) << printed_;
 }
 
+TEST_F(Apply, LeavesThePerUserJobAloneWhenNobodyIsAtTheConsole) {
+  request_.nobodyAtConsole = true;
+  EXPECT_EQ(apply(), (Lines{kCheckDaemon, kStopDaemon, kCheckDaemon, kStartDaemon}));
+  EXPECT_EQ(printed_, "Global Daemon stops successfully.\nGlobal Daemon starts successfully.\n");
+  EXPECT_TRUE(outcome_.daemonStarted);
+  EXPECT_FALSE(outcome_.agentStarted);
+}
+
+TEST_F(Apply, TellsWhichJobsItHasLoaded) {
+  apply();
+  EXPECT_FALSE(outcome_.write);
+  EXPECT_TRUE(outcome_.daemonStarted && outcome_.agentStarted);
+  stopsFail_ = true;
+  apply();
+  EXPECT_FALSE(outcome_.daemonStarted || outcome_.agentStarted);
+}
+
 TEST_F(Apply, StopsNothingThatIsNotLoadedAndStartsBoth) {
   agentLoaded_ = daemonLoaded_ = false;
   EXPECT_EQ(apply(), (Lines{kCheckAgent, kCheckDaemon, kCheckDaemon, kStartDaemon, kCheckAgent,
@@ -186,6 +204,7 @@ TEST_F(Apply, GoesOnWhenTheFileCannotBeWritten) {
   doubles::setServerPlistPath(folder_.file("missing/server.plist"));
   EXPECT_EQ(apply().size(), 8U);
   EXPECT_NE(errors_.find("unable to write in "), std::string::npos) << errors_;
+  EXPECT_EQ(outcome_.write, std::errc::no_such_file_or_directory);
   EXPECT_TRUE(printed_.ends_with("Global Agent starts successfully.\n")) << printed_;
 }
 

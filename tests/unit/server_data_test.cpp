@@ -46,6 +46,26 @@ TEST_F(StoredSettings, KeepAnyCodeOfTheFile) {
   }
 }
 
+TEST_F(StoredSettings, AreValuesOnlyWhereTheyHaveTheRightType) {
+  const auto values = [this](const std::string &members) {
+    readDictionary(members);
+    return settings::readStoredValues(folder_.file("server.plist"));
+  };
+  EXPECT_EQ(values("<key>language</key><string>de</string><key>server</key><string></string>"
+                   "<key>port</key><integer>1</integer><key>profile</key><true/>"),
+            (settings::StoredValues{.language = "de", .server = "", .port = "1", .profile = true}));
+  EXPECT_EQ(values("<key>profile</key><false/>").profile, false);
+  for (const char *wrong : {"<integer>1</integer>", "<string>true</string>", "<real>1</real>"}) {
+    EXPECT_EQ(values(std::string("<key>profile</key>") + wrong).profile, std::nullopt) << wrong;
+  }
+  for (const char *wrong : {"<true/>", "<string>1</string>", "<real>1</real>", "<array/>"}) {
+    EXPECT_EQ(values(std::string("<key>port</key>") + wrong).port, std::nullopt) << wrong;
+  }
+  EXPECT_EQ(values("<key>language</key><true/><key>server</key><integer>1</integer>"),
+            settings::StoredValues{});
+  EXPECT_EQ(settings::readStoredValues("/nowhere/server.plist"), settings::StoredValues{});
+}
+
 TEST_F(StoredSettings, FallBackOneKeyAtATime) {
   const ServerData expected{.language = defaults().language, .server = "mdm", .port = "6000"};
   EXPECT_EQ(readDictionary("<key>language</key><integer>1</integer><key>server</key>"
