@@ -1,18 +1,30 @@
 # platform_add_bundle(<target> TITLE <title> IDENTIFIER <bundle identifier>
-#                     [OUTPUT_DIR <folder>] [RESOURCES <file>...])
+#                     [OUTPUT_DIR <folder>] [RESOURCES <file>...] [TOOLS <target>...])
 #
 # Makes an executable the program of the application bundle <folder>/<title>.app, where <folder> is
 # ${CMAKE_BINARY_DIR}/apps unless given:
 #
-#   <title>.app/<title>
+#   <title>.app/<title>, and next to it the TOOLS of platform_add_tool()
 #   <title>.app/Resources/Info-gnustep.plist, the RESOURCES, the status images, the icon,
 #                                 Mac.theme
 #
 # Also links what the executable needs of this platform. Resources are copied again when they
 # change, and only then.
 
+# platform_add_tool(<target> NAME <name> TITLE <title>)
+#
+# Puts an executable without windows into the bundle of that title, next to its program:
+# <title>.app/<name>. It links Foundation alone.
+
+function(platform_add_tool target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "NAME;TITLE" "")
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_NAME}"
+                                             RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/apps/${arg_TITLE}.app")
+  target_link_libraries(${target} PRIVATE platform_foundation_api platform_gnustep_foundation)
+endfunction()
+
 function(platform_add_bundle target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TITLE;IDENTIFIER;OUTPUT_DIR" "RESOURCES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TITLE;IDENTIFIER;OUTPUT_DIR" "RESOURCES;TOOLS")
   if(NOT arg_TITLE OR NOT arg_IDENTIFIER OR arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "platform_add_bundle(${target}): TITLE and IDENTIFIER are required, "
                         "unknown: '${arg_UNPARSED_ARGUMENTS}'")
@@ -57,6 +69,9 @@ function(platform_add_bundle target)
                      COMMENT "Copying the theme to ${title}.app" VERBATIM)
   list(APPEND copies "${copy}/Info-gnustep.plist")
 
+  if(arg_TOOLS)
+    add_dependencies(${target} ${arg_TOOLS})
+  endif()
   if(copies)
     add_custom_target(${target}_resources ALL DEPENDS ${copies})
     add_dependencies(${target} ${target}_resources)

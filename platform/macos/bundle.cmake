@@ -1,9 +1,13 @@
 # macOS as the program's platform: the counterpart of platform/gnustep/bundle.cmake.
 #
-#   platform_api, platform_strict, platform_gnustep
-#       the system's frameworks; the other two are empty, since nothing is to be added or hidden
+#   platform_foundation_api, platform_api, platform_strict, platform_gnustep, platform_gnustep_foundation
+#       Foundation alone, and the system's other frameworks; the last three are empty, since nothing is
+#       to be added or hidden
+#   platform_add_tool(<target> NAME <name> TITLE <title>)
+#       puts an executable without windows into the bundle of that title, next to its program. Call it
+#       before platform_add_bundle(), which seals the bundle
 #   platform_add_bundle(<target> TITLE <title> IDENTIFIER <bundle identifier>
-#                       [OUTPUT_DIR <folder>] [RESOURCES <file>...])
+#                       [OUTPUT_DIR <folder>] [RESOURCES <file>...] [TOOLS <target>...])
 #       makes an executable the program of <folder>/<title>.app, where <folder> is
 #       ${CMAKE_BINARY_DIR}/apps unless given, with compiled interface files, icon and signature
 #
@@ -24,18 +28,21 @@ if(NOT CMAKE_CROSSCOMPILING)
 endif()
 set(MAC_SIGNING_IDENTITY "-" CACHE STRING "Certificate to sign with; \"-\" signs ad hoc")
 
+add_library(platform_foundation_api INTERFACE)
+target_link_libraries(platform_foundation_api INTERFACE "-framework Foundation")
+target_compile_options(platform_foundation_api INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:-fno-objc-arc>")
 add_library(platform_api INTERFACE)
-target_link_libraries(platform_api INTERFACE "-framework AppKit" "-framework Foundation"
+target_link_libraries(platform_api INTERFACE "-framework AppKit" platform_foundation_api
                                              "-framework OpenDirectory")
-target_compile_options(platform_api INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:-fno-objc-arc>")
 if(CMAKE_CROSSCOMPILING)
   # An archive: its one member is linked only where it is needed.
   add_library(mac_available STATIC
               "${CMAKE_CURRENT_LIST_DIR}/toolchain/available.cpp")
-  target_link_libraries(platform_api INTERFACE mac_available)
+  target_link_libraries(platform_foundation_api INTERFACE mac_available)
 endif()
 add_library(platform_strict INTERFACE)
 add_library(platform_gnustep INTERFACE)
+add_library(platform_gnustep_foundation INTERFACE)
 
 # Appends the file that the resource becomes in the bundle to the list of that name.
 function(_add_resource bundle resource list)
@@ -55,7 +62,7 @@ endfunction()
 
 # A bundle is sealed as a whole: signing follows the linking, which follows every change in the bundle.
 # No entitlements: the program is not sandboxed and needs none under the hardened runtime.
-function(_sign_bundle target bundle)
+function(_sign target path)
   set(options "")
   if(NOT MAC_SIGNING_IDENTITY STREQUAL "-")
     set(options --options runtime --timestamp)
@@ -63,12 +70,24 @@ function(_sign_bundle target bundle)
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${ARGN})
   add_custom_command(
     TARGET ${target} POST_BUILD
-    COMMAND "${CODESIGN}" --force --sign "${MAC_SIGNING_IDENTITY}" ${options} "${bundle}"
-    COMMENT "Signing ${bundle}" VERBATIM)
+    COMMAND "${CODESIGN}" --force --sign "${MAC_SIGNING_IDENTITY}" ${options} "${path}"
+    COMMENT "Signing ${path}" VERBATIM)
+endfunction()
+
+function(platform_add_tool target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "NAME;TITLE" "")
+  set(bundle "${CMAKE_BINARY_DIR}/apps/${arg_TITLE}.app")
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_NAME}"
+                                             RUNTIME_OUTPUT_DIRECTORY "${bundle}/Contents/MacOS")
+  target_link_libraries(${target} PRIVATE platform_foundation_api)
+  if(CODESIGN)
+    # Code within a bundle is sealed before the bundle is.
+    _sign(${target} "${bundle}/Contents/MacOS/${arg_NAME}")
+  endif()
 endfunction()
 
 function(platform_add_bundle target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TITLE;IDENTIFIER;OUTPUT_DIR" "RESOURCES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TITLE;IDENTIFIER;OUTPUT_DIR" "RESOURCES;TOOLS")
   if(NOT arg_TITLE OR NOT arg_IDENTIFIER OR arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "platform_add_bundle(${target}): TITLE and IDENTIFIER are required, "
                         "unknown: '${arg_UNPARSED_ARGUMENTS}'")
@@ -103,8 +122,9 @@ function(platform_add_bundle target)
     _add_resource("${bundle}" "${resource}" files)
   endforeach()
   add_custom_target(${target}_resources ALL DEPENDS ${files})
-  add_dependencies(${target} ${target}_resources)
+  add_dependencies(${target} ${target}_resources ${arg_TOOLS})
+  list(TRANSFORM arg_TOOLS REPLACE "(.+)" "$<TARGET_FILE:\\1>")
   if(CODESIGN)
-    _sign_bundle(${target} "${bundle}" ${files} "${property_list}")
+    _sign(${target} "${bundle}" ${files} ${arg_TOOLS} "${property_list}")
   endif()
 endfunction()
