@@ -1,0 +1,150 @@
+#include "cli/commands.h"
+
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "agent/installation.h"
+#include "agent/mdm_profile.h"
+#include "cli/observation.h"
+#include "cli/run_lock.h"
+#include "cli/sequence.h"
+#include "i18n/edition_languages.h"
+#include "settings/server_data.h"
+#include "settings/validation.h"
+
+namespace cli {
+namespace {
+
+constexpr double kSecondsForLeftCommands = 5;
+
+/// What is asked for, the profile flag aside; values not named are those that the settings window
+/// would show.
+WantedSettings wantedSettings(const Options &options, const app::Edition &edition) {
+  const std::optional<settings::ServerData> shown = settings::getServerData();
+  const i18n::Language language =
+      i18n::choiceForCode(edition, shown ? shown->language : std::string()).lang;
+  const std::string port = shown ? shown->port : std::string(settings::kDefaultPort);
+  return {.server = options.server.value_or(""),
+          .port = options.port.value_or(port),
+          .language = options.language.value_or(i18n::getLanguageType(language)),
+          .profile = false};
+}
+
+/// What one run works on: whatever it finds out goes into its report.
+struct Run {
+  const Options &options;
+  const app::Edition &edition;
+  Console console;
+  Result result;
+
+  /// Fills in what is there and what is wanted. Runs the profile check and the look-ups.
+  void look(WantedSettings wanted, bool unfinished) {
+    wanted.profile = agent::checkMDMProfile(edition.oem, rootAccount());
+    result.report.wanted = wanted;
+    console = findConsole();
+    result.report.before = observe(console);
+    result.report.before->unfinished = unfinished;
+  }
+};
+
+Result show() {
+  Result result;
+  State state = observe(findConsole());
+  state.unfinished = readMark(kRunFolder).has_value();
+  result.report.before = result.report.after = state;
+  return result;
+}
+
+Result check(Run run, const WantedSettings &wanted) {
+  run.look(wanted, readMark(kRunFolder).has_value());
+  Report &report = run.result.report;
+  report.after = madeAsAsked(*report.before, *report.wanted);
+  report.problems = differences(*report.before, *report.wanted);
+  report.changed = !report.problems.empty();
+  if (report.changed) run.result.status = kNotAsAsked;
+  return run.result;
+}
+
+/// The values are valid, so none of them can forge a second line.
+void writeSystemLog(const WantedSettings &wanted, bool reset, bool isEffective) {
+  ::openlog("configure-agent", LOG_PID, LOG_AUTH);
+  ::syslog(LOG_NOTICE, "applied server=%s port=%s language=%s profile=%s reset=%s: %s",
+           wanted.server.c_str(), wanted.port.c_str(), wanted.language.c_str(),
+           wanted.profile ? "yes" : "no", reset ? "yes" : "no",
+           isEffective ? "effective" : "not effective");
+  ::closelog();
+}
+
+/// Acts under the mark, which stays when anything is not as asked.
+void act(Run &run, RunLock &lock, bool reset) {
+  Report &report = run.result.report;
+  if (const std::error_code error = lock.setMark({.processGroup = ::getpgrp(), .reset = reset})) {
+    report.problems.push_back("nothing was changed: the run cannot be marked as unfinished: " +
+                              error.message());
+    return;
+  }
+  report.changed = true;
+  SequenceResult result = runSequence(
+      {.edition = run.edition, .wanted = *report.wanted, .console = run.console, .reset = reset});
+  report.after = result.after;
+  report.problems = result.problems;
+  if (report.problems.empty()) {
+    if (const std::error_code error = lock.clearMark()) {
+      report.problems.push_back("the mark of this run cannot be cleared: " + error.message());
+    }
+  }
+  report.after->unfinished = !report.problems.empty();
+  writeSystemLog(*report.wanted, reset, report.problems.empty());
+}
+
+Result applyUnderLock(Run run, const WantedSettings &wanted, RunLock &lock) {
+  const std::optional<UnfinishedMark> left = lock.mark();
+  if (left) waitForProcessGroup(left->processGroup, kSecondsForLeftCommands);
+  run.look(wanted, left.has_value());
+  Report &report = run.result.report;
+  if (!run.options.force && differences(*report.before, *report.wanted).empty()) {
+    report.after = report.before;
+    return run.result;
+  }
+  // A reset that was interrupted is repeated: the daemon's settings may be empty.
+  act(run, lock, run.options.reset || (left && left->reset));
+  if (!report.problems.empty()) run.result.status = kNotAsAsked;
+  return run.result;
+}
+
+Result apply(const Run &run, const WantedSettings &wanted) {
+  RunLock lock(kRunFolder);
+  if (lock.isBusy()) return refusal(kTemporary, "another run is at work");
+  if (lock.error()) {
+    return refusal(kNotAsAsked, std::string("nothing was changed: no lock in ") + kRunFolder +
+                                    ": " + lock.error().message());
+  }
+  return applyUnderLock(run, wanted, lock);
+}
+
+}  // namespace
+
+Result refusal(ExitStatus status, const std::string &problem) {
+  Result result{.status = status, .report = {}};
+  result.report.problems.push_back(problem);
+  return result;
+}
+
+Result carryOut(const Options &options, const app::Edition &edition) {
+  if (const std::optional<std::string> missing = agent::missingAgentFile(edition.oem)) {
+    return refusal(kUnavailable, "the agent is not installed: " + *missing + " is missing");
+  }
+  if (options.verb == Verb::Show) return show();
+  const WantedSettings wanted = wantedSettings(options, edition);
+  if (!settings::isPort(wanted.port)) {
+    return refusal(kUsage, "the stored port is not from 0 to 65535: name one with --port");
+  }
+  const Run run{.options = options, .edition = edition, .console = {}, .result = {}};
+  return options.verb == Verb::Check ? check(run, wanted) : apply(run, wanted);
+}
+
+}  // namespace cli

@@ -1,0 +1,93 @@
+#include "cli/process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "app/error_log.h"
+#include "cli/exit_status.h"
+
+namespace cli {
+namespace {
+
+constexpr std::array kInterruptions{SIGHUP, SIGINT, SIGQUIT, SIGTERM};
+
+/// Never returns: the process is only there for its parent to wait for.
+[[noreturn]] void passOnExitStatus(pid_t child) {
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  ::_exit(WIFEXITED(status) ? WEXITSTATUS(status) : kNotAsAsked);
+}
+
+void copyToEnd(int from, int to) {
+  std::array<char, 4096> buffer;
+  ssize_t count = 0;
+  while ((count = ::read(from, buffer.data(), buffer.size())) > 0) {
+    if (::write(to, buffer.data(), static_cast<std::size_t>(count)) < 0) return;
+  }
+}
+
+}  // namespace
+
+int separateResultFromMessages() {
+  int null = ::open("/dev/null", O_RDWR);
+  while (null >= 0 && null <= STDERR_FILENO) null = ::dup(null);
+  ::dup2(null, STDIN_FILENO);
+  ::close(null);
+  const int result = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  ::dup2(STDERR_FILENO, STDOUT_FILENO);
+  return result;
+}
+
+void useSystemCommands() {
+  ::setenv("PATH", "/usr/bin:/bin:/usr/sbin:/sbin", 1);
+  for (const char *startupFile : {"BASH_ENV", "ENV"}) ::unsetenv(startupFile);
+}
+
+void enterOwnSession() {
+  if (::setsid() >= 0) return;
+  ::signal(SIGCHLD, SIG_DFL);  // ignored, it would take the child's exit status with it
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::setsid();
+  } else if (child > 0) {
+    ignoreInterruptions();
+    passOnExitStatus(child);
+  } else {
+    app::printErrorLog("unable to enter a session of its own");
+  }
+}
+
+void ignoreInterruptions() {
+  for (const int number : kInterruptions) ::signal(number, SIG_IGN);
+}
+
+MessageBuffer::MessageBuffer() {
+  FILE *file = std::tmpfile();
+  if (file == nullptr) return;
+  file_ = ::fcntl(::fileno(file), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  std::fclose(file);
+  standardError_ = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  ::dup2(file_, STDOUT_FILENO);
+  ::dup2(file_, STDERR_FILENO);
+}
+
+MessageBuffer::~MessageBuffer() {
+  if (file_ < 0) return;
+  ::dup2(standardError_, STDERR_FILENO);
+  ::dup2(standardError_, STDOUT_FILENO);
+  ::lseek(file_, 0, SEEK_SET);
+  copyToEnd(file_, STDERR_FILENO);
+  ::close(file_);
+  ::close(standardError_);
+}
+
+}  // namespace cli

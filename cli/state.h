@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "settings/server_data.h"
+
+namespace cli {
+
+/// What server.plist should hold.
+struct WantedSettings {
+  std::string server;
+  std::string port;  ///< plain decimal digits
+  std::string language;
+  bool profile = false;
+};
+
+/// What the machine is like.
+struct State {
+  settings::StoredValues stored;
+  bool daemonLoaded = false;
+  /// Name of the user at the console; empty when nobody is, or nobody whose id can be found.
+  std::string consoleUser;
+  /// Of the console user's own job; nothing without a console user.
+  std::optional<bool> agentLoaded;
+  /// Somebody owns the console who has no user id, so that user's job cannot be reached.
+  bool consoleUserUnknown = false;
+  /// An earlier run was interrupted in the middle, or is still at work.
+  bool unfinished = false;
+};
+
+/// Everything that is not as asked, a sentence each. Stored values are compared as values: how the
+/// file is written does not matter.
+std::vector<std::string> differences(const State &state, const WantedSettings &wanted);
+
+/// What `state` becomes when everything is made as asked.
+State madeAsAsked(State state, const WantedSettings &wanted);
+
+}  // namespace cli

@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "cli/observation.h"
+#include "doubles/fake_server_plist_path.h"
+#include "doubles/recording_shell.h"
+#include "doubles/scratch_folder.h"
+
+namespace {
+
+using doubles::RecordedCommand;
+using doubles::recordingShell;
+
+const std::string kLookUpUser =
+    "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser";
+const std::string kLookUpUID = "loggedInUID=$(id -u \"alice\"); echo $loggedInUID";
+const std::string kCheckDaemon =
+    "/bin/echo \"\" | /usr/bin/sudo -u \"root\" -S /usr/bin/sudo -S "
+    "/bin/launchctl list com.quorvix.SystemAgentDaemon &> /dev/null";
+const std::string kCheckAgent =
+    "/bin/launchctl asuser 501 /usr/bin/sudo -u \"alice\" "
+    "/bin/launchctl list com.quorvix.SystemAgentUX  &> /dev/null";
+
+class Observation : public testing::Test {
+ protected:
+  void SetUp() override {
+    doubles::resetShell();
+    doubles::setServerPlistPath(scratch_.file("server.plist"));
+    recordingShell().answer = [this](const RecordedCommand &command) -> agent::ShellResult {
+      if (command.command == kLookUpUser) return {.text = owner_ + "\n", .status = 0};
+      if (command.command.starts_with("loggedInUID=")) return {.text = uid_ + "\n", .status = 0};
+      if (command.command == kCheckAgent) return {.text = {}, .status = agentStatus_};
+      if (command.command == kCheckDaemon) return {.text = {}, .status = daemonStatus_};
+      return {.text = {}, .status = 1};
+    };
+  }
+  void TearDown() override {
+    doubles::resetShell();
+    doubles::setServerPlistPath(std::nullopt);
+  }
+
+  std::string owner_ = "alice";
+  std::string uid_ = "501";
+  int agentStatus_ = 0;
+  int daemonStatus_ = 0;
+  doubles::ScratchFolder scratch_;
+};
+
+TEST_F(Observation, FindsTheUserAtTheConsole) {
+  const cli::Console console = cli::findConsole();
+  EXPECT_EQ(console.user.user, "alice");
+  EXPECT_EQ(console.user.uid, "501");
+  EXPECT_FALSE(console.isUnknown);
+  EXPECT_EQ(recordingShell().commandLines(), (std::vector<std::string>{kLookUpUser, kLookUpUID}));
+}
+
+TEST_F(Observation, FindsNobodyWhileTheLoginWindowIsShown) {
+  for (const char *owner : {"", "root", "_windowserver"}) {
+    recordingShell().commands.clear();
+    owner_ = owner;
+    const cli::Console console = cli::findConsole();
+    EXPECT_EQ(console.user.user, "") << owner;
+    EXPECT_FALSE(console.isUnknown) << owner;
+    EXPECT_EQ(recordingShell().commands.size(), 1U) << owner;
+  }
+}
+
+TEST_F(Observation, PutsNoNameIntoACommandThatTheShellWouldRead) {
+  for (const char *owner : {"a\"b", "a$(id)", "a`id`", "a\\b", "a\tb"}) {
+    recordingShell().commands.clear();
+    owner_ = owner;
+    const cli::Console console = cli::findConsole();
+    EXPECT_EQ(console.user.user, "") << owner;
+    EXPECT_TRUE(console.isUnknown) << owner;
+    EXPECT_EQ(recordingShell().commands.size(), 1U) << owner;
+  }
+}
+
+TEST_F(Observation, TakesNoMessageForAUserId) {
+  for (const char *uid : {"", "id: 'alice': no such user", "501 ", "-1"}) {
+    uid_ = uid;
+    EXPECT_EQ(cli::findConsole().user.user, "") << uid;
+    EXPECT_TRUE(cli::findConsole().isUnknown) << uid;
+  }
+}
+
+TEST_F(Observation, ReadsTheFileAndAsksForBothJobs) {
+  scratch_.write("server.plist",
+                 "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                 "<key>server</key><string>mdm</string></dict></plist>");
+  agentStatus_ = 113;
+  const cli::State state = cli::observe({.user = {.user = "alice", .uid = "501"}});
+  EXPECT_EQ(state.stored.server, "mdm");
+  EXPECT_TRUE(state.daemonLoaded);
+  EXPECT_EQ(state.agentLoaded, false);
+  EXPECT_EQ(state.consoleUser, "alice");
+  EXPECT_FALSE(state.consoleUserUnknown || state.unfinished);
+  EXPECT_EQ(recordingShell().commandLines(), (std::vector<std::string>{kCheckDaemon, kCheckAgent}));
+}
+
+TEST_F(Observation, AsksForNoPerUserJobOfNobody) {
+  daemonStatus_ = 113;
+  const cli::State state = cli::observe({.user = {}, .isUnknown = true});
+  EXPECT_FALSE(state.daemonLoaded);
+  EXPECT_EQ(state.agentLoaded, std::nullopt);
+  EXPECT_TRUE(state.consoleUserUnknown);
+  EXPECT_EQ(recordingShell().commandLines(), (std::vector<std::string>{kCheckDaemon}));
+}
+
+}  // namespace
