@@ -10,8 +10,8 @@ struct Credentials {
   std::string pwd;
 };
 
-/// The user who owns the console, whose launchd domain holds the per-user agent job. Both are text
-/// without newlines. Not the administrator.
+/// The user who owns the console, whose launchd domain holds the per-user agent job. Not the
+/// administrator.
 struct ConsoleUser {
   std::string user;
   std::string uid;

@@ -12,7 +12,7 @@ namespace {
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
-/// A file beside the target that is unlinked again unless it took the target's name.
+/// A file next to the target, removed again unless it was renamed over the target.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string &target)

@@ -7,13 +7,13 @@
 namespace agent {
 
 /// Replaces the file at `path` as a whole: a reader sees the old content or the new one, never a
-/// part and never no file. The new content goes to a temporary file in the same folder, to the
-/// disk, and then takes the name.
+/// part and never no file. The new content goes to a temporary file in the same folder, is flushed
+/// to the disk, and is then renamed over the target.
 ///
-/// A file that existed keeps its permissions; a new one gets 0644. A symbolic link at `path` is
-/// itself replaced, never followed: the program writes no place that a link's owner chose. The
-/// folder must exist. Returns no error, or the system's; then the old file stands as it was and the
-/// temporary one is gone.
+/// An existing file keeps its permissions; a new one gets 0644. A symbolic link at `path` is itself
+/// replaced, never followed: somebody who places a link there must not choose what is overwritten.
+/// The folder must exist. Returns the system's error if there is one; then the old file is
+/// unchanged and the temporary file is removed.
 [[nodiscard]] std::error_code writeFileAtomically(const std::string &path,
                                                   std::string_view content);
 

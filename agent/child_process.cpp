@@ -39,8 +39,8 @@ void setCloseOnExec(int descriptor) {
   if (::fcntl(descriptor, F_SETFD, FD_CLOEXEC) == -1 && errno != EBADF) fail(errno, "fcntl");
 }
 
-/// The frameworks open files without asking for close-on-exec, and a command may run as root: let
-/// nothing but the standard streams through. "/dev/fd" lists the open descriptors on every system.
+/// The frameworks open files without close-on-exec, and a command may run as root: it must inherit
+/// nothing but the standard streams. "/dev/fd" lists the open descriptors on every system.
 void closeNonStandardDescriptorsOnExec() {
   const std::unique_ptr<DIR, int (*)(DIR *)> folder(::opendir("/dev/fd"), ::closedir);
   if (!folder) fail(errno, "opendir");
@@ -54,7 +54,7 @@ void closeNonStandardDescriptorsOnExec() {
   check(errno, "readdir");
 }
 
-/// A parent may have had us inherit an ignored SIGCHLD; then the kernel drops exit statuses.
+/// The program may have inherited an ignored SIGCHLD; then the kernel drops exit statuses.
 void stopIgnoringChildExits() {
   struct sigaction action {};
   checkErrno(::sigaction(SIGCHLD, nullptr, &action), "sigaction");

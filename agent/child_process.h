@@ -37,7 +37,7 @@ class Pipe {
 
 /// One start of a shell with one command, as the argument of "-c" and without escaping. The child
 /// has default handling of every signal, none blocked, and of our descriptors only the standard
-/// streams. The texts must outlive this object.
+/// streams. Both strings must outlive this object.
 class ShellStart {
  public:
   ShellStart(const std::string &shell, const std::string &command);

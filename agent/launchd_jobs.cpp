@@ -11,7 +11,7 @@
 namespace agent {
 namespace {
 
-// The job files of the two jobs, as the last word of a command.
+// The same job files in every edition.
 constexpr std::string_view kUnloadAgent =
     "/bin/launchctl unload -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist";
 constexpr std::string_view kLoadAgent =
@@ -40,7 +40,7 @@ bool succeeds(const std::string &command) {
 }  // namespace
 
 // Differs from the lookup of the administrator check (app/local_admin) only in discarding stat's
-// messages. Both command lines are required as they are.
+// messages. Both functions and both command lines are required.
 std::string getloggedInUser() {
   return capture("loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser");
 }

@@ -10,11 +10,11 @@ namespace agent {
 
 bool checkMDMProfile(std::string_view oem, const Credentials &administrator) {
   const std::string identifier(app::editionOrDefault(oem).profileIdentifier);
-  // The third sudo, the two spaces and /bin/sh, where all other commands use bash, are required.
+  // The third sudo, the two spaces, and /bin/sh instead of bash are required.
   const std::string command =
       asRoot(administrator, "/usr/bin/sudo /usr/bin/profiles list |  grep " + identifier);
   const std::string listing = runShellCommand(kSh, command, ShellMode::Capture).text;
-  // To grep the identifier's dots match any character; only a real occurrence counts.
+  // In grep's pattern a dot matches any character, so its output may name other identifiers.
   return listing.find(identifier) != std::string::npos;
 }
 

@@ -6,9 +6,9 @@
 
 namespace agent {
 
-/// Whether the listing of installed profiles names the edition's bundle identifier, also as the
-/// beginning of a longer one. An unknown `oem` takes the first edition's identifier. Every failure,
-/// a wrong password among them, counts as no. Blocks until the command has ended.
+/// Whether the list of installed profiles contains the edition's bundle identifier, even as part of
+/// a longer one: required. An unknown `oem` takes the first edition's identifier. Every failure,
+/// such as a wrong password, counts as no. Blocks until the command has ended.
 bool checkMDMProfile(std::string_view oem, const Credentials &administrator);
 
 }  // namespace agent

@@ -7,7 +7,7 @@
 namespace agent {
 
 /// What the agent reads at its next start. The values are inserted as they are, without XML
-/// escaping, so a value with "&" or "<" gives a file that is not a valid property list. Required.
+/// escaping, so a value with "&" or "<" gives a file that is not a valid property list: required.
 struct ServerPlist {
   std::string server;
   std::string port;
@@ -15,7 +15,8 @@ struct ServerPlist {
   bool profile = false;
 };
 
-/// The exact text of the file: fourteen lines, no newline after the last.
+/// The exact text of the file: fourteen lines. The indentation from the second line on and the
+/// missing newline after the last are required.
 std::string serverPlistText(const ServerPlist &values);
 
 /// Replaces server.plist atomically; its folder must exist. A failure is written to the error log

@@ -5,8 +5,8 @@
 #include "agent/accounts.h"
 
 /// The agent's own settings files, in the edition's install folder. `oem` names the edition; an
-/// unknown value takes the first edition's folder. Whether an operation worked is not reported, as
-/// required: what its commands print reaches the program's own streams.
+/// unknown value takes the first edition's folder. The result of an operation is not reported, as
+/// required; what its commands print goes to the program's own streams.
 namespace agent {
 
 /// The daemon's settings file.

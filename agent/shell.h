@@ -34,14 +34,14 @@ struct ShellResult {
   ShellOutcome outcome = ShellOutcome::Done;
 };
 
-/// Runs `shell -c command`, the command as one argument without any escaping. The only place that
+/// Runs `shell -c command`, the command as one argument without escaping. The only function that
 /// starts a process. The child gets default signal handling and only the three standard streams;
 /// when that cannot be arranged, nothing is run.
 ///
 /// Capture waits for the exit first and reads afterwards, so a command that writes more than the
-/// pipe holds never ends; the commands run this way print a line or nothing. Output that is not
-/// UTF-8 stops the program. Every other failure to run a command or to get its result is reported
-/// to the error log, which names the shell and the system call, never the command.
+/// pipe holds never ends: required; the commands run this way print a line or nothing. Output that
+/// is not UTF-8 stops the program. Every other failure to run a command or to get its result is
+/// reported to the error log, which names the shell and the system call, never the command.
 [[nodiscard]] ShellResult runShellCommand(const std::string &shell, const std::string &command,
                                           ShellMode mode);
 

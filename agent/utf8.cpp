@@ -6,8 +6,8 @@
 namespace agent {
 namespace {
 
-/// A run of lead bytes, how many bytes follow, and what the first of these may be: that is where
-/// overlong forms, surrogates and values above U+10FFFF show.
+/// A range of lead bytes, how many bytes follow, and the range of the first of these: it excludes
+/// overlong forms, surrogates and values above U+10FFFF.
 struct Form {
   unsigned char leadFrom, leadTo;
   std::size_t following;

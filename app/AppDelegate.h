@@ -21,18 +21,18 @@
 /// The settings window's controller; nil before the first successful login.
 + (ServerWindowController *)serverWindow;
 
-/// The login window is held, unlike the other outlets.
+/// Retains the login window; the other outlets are not retained.
 - (void)setWindow:(NSWindow *)newWindow;
 
-/// Checks the typed name and password. Right: the login window gives way to the settings window.
-/// Wrong: both fields are emptied, without a message.
+/// Checks the typed name and password. If they are right, the settings window replaces the login
+/// window; if not, both fields are emptied, without a message: required.
 - (IBAction)OkAction:(id)sender;
 
 /// Ends the program.
 - (IBAction)CancelAction:(id)sender;
 
-/// Sets the current language to the one that server.plist names, else English, and the texts of the
-/// login window in it. Without a catalogue the texts stay.
+/// Sets the current language to the one in server.plist, or English, and translates the login
+/// window into it. Without a catalogue the window stays as it is.
 - (void)translate;
 
 @end

@@ -29,7 +29,7 @@ static ServerWindowController *theServerWindow = nil;
 }
 
 - (void)awakeFromNib {
-  // Before the window shows, which is when its interface file has been loaded.
+  // The window appears as soon as its interface file has been loaded.
   [window center];
 }
 
@@ -42,6 +42,7 @@ static ServerWindowController *theServerWindow = nil;
   [NSApp activateIgnoringOtherApps:YES];
 }
 
+// Required, although empty.
 - (void)applicationWillTerminate:(NSNotification *)notification {
 }
 
@@ -62,12 +63,15 @@ static ServerWindowController *theServerWindow = nil;
   [username setStringValue:@""];
   [password setStringValue:@""];
   [username becomeFirstResponder];
+  // The rejected name and password stay in the statics until the next attempt: required.
 }
 
 - (void)showServerWindow {
-  // Hidden, not closed: the controls stay.
+  // Hidden, not closed or released: required.
   [OUTLET(window) setIsVisible:NO];
   if (theServerWindow == nil) theServerWindow = [[ServerWindowController alloc] init];
+  // The window is made visible, then shown, and translated a third time after the two translations
+  // of its load: required.
   [[theServerWindow window] setIsVisible:YES];
   [theServerWindow showWindow:nil];
   [theServerWindow translate];
@@ -84,12 +88,12 @@ static ServerWindowController *theServerWindow = nil;
 
   const std::optional<i18n::JsonData> catalogue = i18n::getLanguageLabel();
   if (!catalogue) return;
-  const auto &texts = i18n::infoFor(*catalogue, lang).Common;
-  [OUTLET(admin_msg) setStringValue:app::nsString(texts.adminmsg)];
-  [OUTLET(username_label) setStringValue:app::nsString(texts.username)];
-  [OUTLET(password_label) setStringValue:app::nsString(texts.password)];
-  [OUTLET(OkButton) setTitle:app::nsString(texts.ok)];
-  [OUTLET(QuitButton) setTitle:app::nsString(texts.quit)];
+  const auto &strings = i18n::infoFor(*catalogue, lang).Common;
+  [OUTLET(admin_msg) setStringValue:app::nsString(strings.adminmsg)];
+  [OUTLET(username_label) setStringValue:app::nsString(strings.username)];
+  [OUTLET(password_label) setStringValue:app::nsString(strings.password)];
+  [OUTLET(OkButton) setTitle:app::nsString(strings.ok)];
+  [OUTLET(QuitButton) setTitle:app::nsString(strings.quit)];
 }
 
 @end

@@ -8,7 +8,7 @@ namespace app {
 
 const Edition &buildEdition() {
   constexpr const Edition *kEdition = editionWithOem(BUILD_OEM);
-  static_assert(kEdition != nullptr, "BUILD_OEM names no edition of the table");
+  static_assert(kEdition != nullptr, "BUILD_OEM must be in the edition table");
   return *kEdition;
 }
 

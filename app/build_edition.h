@@ -4,7 +4,7 @@
 
 namespace app {
 
-/// The edition that this executable was built for. The only place where the build's choice enters.
+/// The edition that this executable was built for. Nothing else depends on the build's choice.
 const Edition &buildEdition();
 
 }  // namespace app

@@ -5,8 +5,8 @@
 
 namespace app {
 
-/// From now on a write to a pipe or socket that nobody reads any more fails, instead of ending the
-/// process by SIGPIPE. First thing in `main`: when the reader of its output leaves in the middle of
+/// Makes a write to a pipe or socket without a reader fail, instead of ending the process by
+/// SIGPIPE. Comes first in `main`: when the reader of the program's output leaves in the middle of
 /// Apply, the program must still start the jobs that it stopped.
 void ignoreBrokenPipes();
 
@@ -16,7 +16,7 @@ void printLine(std::string_view text);
 
 /// A text output stream on standard error. It has no state and owns nothing.
 struct StderrOutputStream {
-  /// Writes the UTF-8 bytes up to the first NUL, adding nothing. A failed write is ignored.
+  /// Writes the UTF-8 bytes up to the first NUL and adds nothing. A failed write is ignored.
   void write(const std::string &text) const;
 };
 

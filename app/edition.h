@@ -18,11 +18,11 @@ struct OfferedLanguages {
   constexpr std::size_t size() const { return count; }
 };
 
-/// One re-branded edition of the agent product. Texts are UTF-8.
+/// One re-branded edition of the agent product. Strings are UTF-8.
 struct Edition {
   std::string_view oem;                ///< names the edition; fixed per build
   std::string_view appName;            ///< window title
-  std::string_view captionName;        ///< stands in the caption of the server field
+  std::string_view captionName;        ///< part of the caption of the server field
   std::string_view installFolder;      ///< where the agent is installed, without a final slash
   std::string_view profileIdentifier;  ///< bundle identifier of the agent's management profile
   std::string_view changeLanguage;     ///< the settings window's method that takes a stored code

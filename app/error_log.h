@@ -6,10 +6,10 @@
 namespace app {
 
 /// Writes one line to standard error: local time as "yyyy-MM-dd HH:mm:ss.SSS", one space, the
-/// message as it is (cut at a NUL character), a line end. For errors that the user is not shown.
+/// message up to its first NUL character, a newline. For errors that the user is not shown.
 void printErrorLog(const std::string &message);
 
-/// The time stamp of such a line for that moment, in the process's locale and time zone.
+/// The time stamp of such a line at that moment, in the process's locale and time zone.
 std::string errorLogTime(std::chrono::system_clock::time_point moment);
 
 }  // namespace app

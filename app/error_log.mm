@@ -18,7 +18,7 @@ std::string errorLogTime(std::chrono::system_clock::time_point moment) {
 }
 
 void printErrorLog(const std::string &message) {
-  // Two writes, so that the line end follows even a message that is cut at a NUL character.
+  // Two writes: the newline must follow even a message that ends early at a NUL character.
   const StderrOutputStream stream;
   stream.write(errorLogTime(std::chrono::system_clock::now()) + " " + message);
   stream.write("\n");

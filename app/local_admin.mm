@@ -10,7 +10,7 @@
 namespace app {
 namespace {
 
-// A session of its own per check, never the shared one. Nil when the node cannot be opened.
+// Every check has a session of its own, never the shared one. Nil when the node cannot be opened.
 ODNode *openLocalNode() {
   ODSession *session = [[[ODSession alloc] init] autorelease];
   return [ODNode nodeWithSession:session type:kODNodeTypeLocalNodes error:NULL];
@@ -29,7 +29,7 @@ bool isInAdminGroup(ODNode *node, ODRecord *user) {
 }  // namespace
 
 // Differs from the lookup of Apply (agent/launchd_jobs) only in not discarding stat's messages.
-// Both command lines are required as they are.
+// Both functions and both command lines are required.
 std::string getloggedInUser() {
   return agent::runShellCommand(agent::kBash,
                                 "loggedInUser=$(stat -f%Su /dev/console); echo $loggedInUser",
@@ -44,8 +44,8 @@ bool checkLocalAdminUser(const std::string &username) {
     if (user == nil || !isInAdminGroup(node, user)) return false;
   }
   if (username != "root") return true;
-  // Compared with the output as it stands. The command ends its line, so in practice this never
-  // matches and a root who is in the group passes: intended, and kept.
+  // The output ends in a newline, so in practice this never matches, and root passes as a member
+  // of the group: required.
   if (getloggedInUser() != "root") return true;
   printLine("user cannot be root.");
   return false;

@@ -16,7 +16,7 @@ namespace {
 /// Short name of the user who runs the program.
 std::string username;
 
-/// The top-level objects live as long as the program, so nobody releases them.
+/// The top-level objects live as long as the process and are never released.
 void loadMainInterface(AppDelegate *owner) {
   NSArray *topLevelObjects = nil;
   if (![[NSBundle mainBundle] loadNibNamed:@"MainMenu"
@@ -39,7 +39,7 @@ int main(int argc, const char *argv[]) {
     [pool drain];
     return 0;
   }
-  // From argv: the platform's own list leaves out arguments that the platform knows.
+  // From argv: the platform's own list lacks the arguments that the platform takes for itself.
   app::appStatics().consoleUser = settings::consoleUserFromArguments({argv, argv + argc});
   AppDelegate *delegate = [[AppDelegate alloc] init];
   [[NSApplication sharedApplication] setDelegate:delegate];

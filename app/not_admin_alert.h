@@ -4,8 +4,8 @@
 
 namespace app {
 
-/// The start-up refusal: an alert under the edition's title, with one Quit button. Activates the
-/// application, and returns when the button was pressed. Main thread only.
+/// Activates the application and runs an alert that tells the user that they are not a local
+/// administrator. Returns when its Quit button was pressed. Main thread only.
 void showNotAdminAlert(const std::string &appName, const std::string &username);
 
 }  // namespace app

@@ -20,6 +20,7 @@ constexpr Sentence kFrench{"L'utilisateur ",
                            " ne fait pas partie du groupe d'administrateurs local."};
 constexpr Sentence kGerman{"Der Benutzer ", " gehört nicht zur lokalen Admin-Gruppe."};
 
+// This order, which is not that of the languages elsewhere, is required.
 constexpr std::array kFiveLanguages{kEnglish, kItalian, kSpanish, kFrench, kGerman};
 constexpr std::array kTwoLanguages{kEnglish, kFrench};
 

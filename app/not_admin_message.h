@@ -5,9 +5,9 @@
 
 namespace app {
 
-/// What the start-up alert says to a user who is no local administrator: one sentence per language
-/// with the user's name in each, a blank line between them. Five languages where the
-/// edition of that title says so, else English and French.
+/// The message of the start-up alert for a user who is not a local administrator: one sentence per
+/// language with the user's name in it, separated by blank lines. Five languages for an edition
+/// that has them in the edition table, else English and French.
 std::string notAdminMessage(std::string_view appName, std::string_view username);
 
 }  // namespace app

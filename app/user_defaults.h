@@ -2,8 +2,8 @@
 
 namespace app {
 
-/// Registers this program's values for settings of the platform. The platform reads them while the
-/// application object is created, so this comes first. What the user has set still wins.
+/// Registers this program's defaults for settings of the platform. The platform may read them while
+/// the application object is created, so this comes before. The user's own settings still win.
 void registerUserDefaults();
 
 }  // namespace app

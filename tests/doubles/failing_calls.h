@@ -4,11 +4,11 @@
 #include <string_view>
 #include <vector>
 
-/// System calls that fail when a test wants it. The linker puts __wrap_x in the place of x and
-/// offers the C library's own as __real_x (option --wrap, which Apple's linker does not have).
+/// System calls that fail when a test wants them to. The linker calls __wrap_x instead of x, and
+/// the C library's own x as __real_x (option --wrap, which Apple's linker does not have).
 namespace doubles {
 
-/// Ends the process in the place of an error.
+/// Instead of an error number: ends the process.
 inline constexpr int kEndsTheProcess = -1;
 
 /// Which call fails, at which of its uses, and with which error number.

@@ -7,7 +7,7 @@
 namespace doubles {
 
 struct FakeDirectory {
-  // Nobody unless a test says otherwise.
+  // Nobody is, unless a test says otherwise.
   std::function<bool(const std::string &username)> mayStart;
   std::function<bool(const std::string &username, const std::string &password)> authenticate;
 };

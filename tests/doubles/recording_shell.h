@@ -6,7 +6,8 @@
 
 #include "agent/shell.h"
 
-/// Stands in for the real shell: records every command in order, runs none, and answers as told.
+/// Replaces the real shell: records every command in order, runs none, and returns what a test
+/// says.
 namespace doubles {
 
 struct RecordedCommand {
@@ -18,13 +19,13 @@ struct RecordedCommand {
 
 struct RecordingShell {
   std::vector<RecordedCommand> commands;
-  /// Success with an empty text unless a test says otherwise.
+  /// Success without output unless a test says otherwise.
   std::function<agent::ShellResult(const RecordedCommand &)> answer;
 
   std::vector<std::string> commandLines() const;
 };
 
-/// The one recorder, emptied by `resetShell`.
+/// The only recorder; `resetShell` clears it.
 RecordingShell &recordingShell();
 void resetShell();
 

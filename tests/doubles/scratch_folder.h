@@ -7,7 +7,7 @@
 
 namespace doubles {
 
-/// A folder of a test's own; gone with everything in it when the test ends.
+/// A temporary folder for one test, removed with everything in it.
 class ScratchFolder {
  public:
   ScratchFolder() {

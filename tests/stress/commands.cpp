@@ -1,4 +1,4 @@
-// Commands run by the thousand in every mode, with signals arriving all the time.
+// Thousands of commands in every mode, while signals keep arriving.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -24,7 +24,7 @@ constexpr int kCallsToWarmUp = 500;
 volatile sig_atomic_t alarms;
 volatile sig_atomic_t childSignals;
 
-/// While it lives, SIGALRM comes every 2 ms, and both it and SIGCHLD interrupt what is under way.
+/// While this exists, SIGALRM arrives every 2 ms, and both it and SIGCHLD interrupt system calls.
 class Signals {
  public:
   Signals() {
@@ -65,7 +65,7 @@ long peakMemory() {
 
 bool hasNoChild() { return ::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD; }
 
-/// The i-th call of that mode; each must give what its own command says.
+/// The i-th call in that mode, with a result that differs from its neighbours'.
 void callOnce(ShellMode mode, int i) {
   const std::string number = std::to_string(i % 256);
   const ShellResult result =
@@ -88,7 +88,7 @@ TEST_P(TenThousandCommands, LeaveNoDescriptorNoChildAndNoMemoryWhateverSignalsAr
 
   EXPECT_EQ(openDescriptors(), descriptors);
   EXPECT_TRUE(hasNoChild());
-  // 16 bytes left behind by each call would show.
+  // A leak of 16 bytes per call would exceed this.
   EXPECT_LE(peakMemory() - memory, memory / 150) << "of " << memory;
   EXPECT_GE(alarms, 1000);
   EXPECT_GE(childSignals, kCalls);
@@ -96,7 +96,7 @@ TEST_P(TenThousandCommands, LeaveNoDescriptorNoChildAndNoMemoryWhateverSignalsAr
               int{alarms}, int{childSignals});
 }
 
-std::string nameOf(const testing::TestParamInfo<ShellMode> &mode) {
+std::string nameFor(const testing::TestParamInfo<ShellMode> &mode) {
   constexpr std::array kNames{"Capture", "Status", "WaitOnly", "LaunchOnly"};
   return kNames[static_cast<std::size_t>(mode.param)];
 }
@@ -104,6 +104,6 @@ std::string nameOf(const testing::TestParamInfo<ShellMode> &mode) {
 INSTANTIATE_TEST_SUITE_P(Modes, TenThousandCommands,
                          testing::Values(ShellMode::Capture, ShellMode::Status, ShellMode::WaitOnly,
                                          ShellMode::LaunchOnly),
-                         nameOf);
+                         nameFor);
 
 }  // namespace

@@ -1,4 +1,4 @@
-// server.plist is rewritten while another process reads it without a pause.
+// server.plist is rewritten while another process keeps reading it.
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -20,38 +20,38 @@ using doubles::ScratchFolder;
 constexpr int kRewrites = 10000;
 
 /// What the two processes share.
-struct Watch {
+struct Counters {
   std::atomic<bool> stop{false};
   std::atomic<long> reads{0};
   std::atomic<long> bad{0};
   std::array<std::atomic<long>, 2> seen{};
 };
 
-Watch &sharedWatch() {
+Counters &sharedCounters() {
   void *memory =
-      ::mmap(nullptr, sizeof(Watch), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANON, -1, 0);
-  return *new (memory) Watch;
+      ::mmap(nullptr, sizeof(Counters), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANON, -1, 0);
+  return *new (memory) Counters;
 }
 
-/// Two settings whose files differ in length by many blocks, so that a part of one shows.
+/// Two settings whose files differ in length by many blocks, so that a partial file is noticed.
 std::array<agent::ServerPlist, 2> settingsToSwap() {
   return {agent::ServerPlist{.server = "192.0.2.10", .port = "6000", .lang = "en"},
           agent::ServerPlist{
               .server = std::string(100'000, 'x'), .port = "4000", .lang = "fr", .profile = true}};
 }
 
-void readUntilStopped(const std::string &path, Watch &watch) {
+void readUntilStopped(const std::string &path, Counters &counters) {
   std::array<std::string, 2> whole;
   for (std::size_t i = 0; i < whole.size(); ++i) whole[i] = serverPlistText(settingsToSwap()[i]);
-  while (!watch.stop) {
+  while (!counters.stop) {
     const std::string content = ScratchFolder::read(path);
-    ++watch.reads;
+    ++counters.reads;
     if (content == whole[0]) {
-      ++watch.seen[0];
+      ++counters.seen[0];
     } else if (content == whole[1]) {
-      ++watch.seen[1];
+      ++counters.seen[1];
     } else {
-      ++watch.bad;  // missing and unreadable show as empty
+      ++counters.bad;  // a missing or unreadable file reads as empty
     }
   }
 }
@@ -63,21 +63,21 @@ TEST(TenThousandRewrites, NeverShowAReaderAMissingEmptyOrPartialFile) {
   const auto settings = settingsToSwap();
   agent::generateServerPlistFile(settings[0]);
 
-  Watch &watch = sharedWatch();
+  Counters &counters = sharedCounters();
   const pid_t reader = ::fork();
   if (reader == 0) {
-    readUntilStopped(path, watch);
+    readUntilStopped(path, counters);
     ::_exit(0);
   }
   for (int i = 1; i <= kRewrites; ++i) agent::generateServerPlistFile(settings[i % 2]);
-  watch.stop = true;
+  counters.stop = true;
   ASSERT_EQ(::waitpid(reader, nullptr, 0), reader);
 
   std::printf("%ld reads during %d rewrites, %ld of one content and %ld of the other\n",
-              watch.reads.load(), kRewrites, watch.seen[0].load(), watch.seen[1].load());
-  EXPECT_EQ(watch.bad, 0);
-  EXPECT_GE(watch.seen[0], 100);
-  EXPECT_GE(watch.seen[1], 100);
+              counters.reads.load(), kRewrites, counters.seen[0].load(), counters.seen[1].load());
+  EXPECT_EQ(counters.bad, 0);
+  EXPECT_GE(counters.seen[0], 100);
+  EXPECT_GE(counters.seen[1], 100);
   EXPECT_EQ(ScratchFolder::read(path), serverPlistText(settings[0]));
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }

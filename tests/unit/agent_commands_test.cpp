@@ -5,6 +5,7 @@
 #include "agent/mdm_profile.h"
 #include "agent/settings_reset.h"
 #include "doubles/recording_shell.h"
+#include "unit/expected_commands.h"
 
 namespace {
 
@@ -16,9 +17,6 @@ using doubles::recordingShell;
 
 const Credentials kAdmin{.user = "bob", .pwd = "s3cret"};
 const ConsoleUser kConsole{.user = "alice", .uid = "501"};
-
-#define AS_ROOT "/bin/echo \"s3cret\" | /usr/bin/sudo -u \"bob\" -S /usr/bin/sudo -S "
-#define AS_ALICE "/bin/launchctl asuser 501 /usr/bin/sudo -u \"alice\" "
 
 class AgentCommands : public testing::Test {
  protected:
@@ -47,17 +45,14 @@ class AgentCommands : public testing::Test {
   }
 };
 
-TEST_F(AgentCommands, LookUpTheConsoleUserAndReturnTheOutputAsItStands) {
+TEST_F(AgentCommands, LookUpTheConsoleUserAndReturnTheOutputUnchanged) {
   answerText("alice\n");
   EXPECT_EQ(agent::getloggedInUser(), "alice\n");
-  EXPECT_EQ(
-      onlyCommand(),
-      (RecordedCommand{"/bin/bash",
-                       "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser",
-                       ShellMode::Capture}));
+  EXPECT_EQ(onlyCommand(),
+            (RecordedCommand{"/bin/bash", expected::kLookUpUser, ShellMode::Capture}));
 }
 
-TEST_F(AgentCommands, LookUpTheUserIdOfAnyNameAndReturnTheOutputAsItStands) {
+TEST_F(AgentCommands, LookUpTheUserIdOfAnyNameAndReturnTheOutputUnchanged) {
   answerText("id: 'a b': no such user\n\n");
   EXPECT_EQ(agent::getloggedInUID("a b"), "id: 'a b': no such user\n\n");
   EXPECT_EQ(onlyCommand(),
@@ -65,24 +60,20 @@ TEST_F(AgentCommands, LookUpTheUserIdOfAnyNameAndReturnTheOutputAsItStands) {
                              ShellMode::Capture}));
 }
 
-TEST_F(AgentCommands, CheckTheUserAgentInTheConsoleUsersDomainWithTwoBlanks) {
-  const RecordedCommand expected{
-      "/bin/bash", AS_ALICE "/bin/launchctl list com.quorvix.SystemAgentUX  &> /dev/null",
-      ShellMode::Status};
+TEST_F(AgentCommands, CheckTheUserAgentInTheConsoleUsersDomainWithTwoSpaces) {
+  const RecordedCommand check{"/bin/bash", expected::kCheckAgent, ShellMode::Status};
   EXPECT_EQ(printed([] { EXPECT_TRUE(agent::checkGlobalAgent(kConsole)); }), "");
-  EXPECT_EQ(onlyCommand(), expected);
+  EXPECT_EQ(onlyCommand(), check);
   for (const int status : {1, 113, 127, 9, -1}) {
     answerStatus(status);
     EXPECT_EQ(printed([] { EXPECT_FALSE(agent::checkGlobalAgent(kConsole)); }), "");
   }
 }
 
-TEST_F(AgentCommands, CheckTheDaemonAsRootWithOneBlank) {
-  const RecordedCommand expected{
-      "/bin/bash", AS_ROOT "/bin/launchctl list com.quorvix.SystemAgentDaemon &> /dev/null",
-      ShellMode::Status};
+TEST_F(AgentCommands, CheckTheDaemonAsRootWithOneSpace) {
+  const RecordedCommand check{"/bin/bash", expected::kCheckDaemon, ShellMode::Status};
   EXPECT_EQ(printed([] { EXPECT_TRUE(agent::checkGlobalDaemon(kAdmin)); }), "");
-  EXPECT_EQ(onlyCommand(), expected);
+  EXPECT_EQ(onlyCommand(), check);
   answerStatus(1);
   EXPECT_EQ(printed([] { EXPECT_FALSE(agent::checkGlobalDaemon(kAdmin)); }), "");
 }
@@ -90,25 +81,22 @@ TEST_F(AgentCommands, CheckTheDaemonAsRootWithOneBlank) {
 struct Change {
   const char *name;
   void (*run)();
-  const char *command, *success, *failure;
+  std::string command;
+  const char *success, *failure;
 };
 
 const Change kChanges[] = {
-    {"stopGlobalAgent", [] { agent::stopGlobalAgent(kConsole); },
-     AS_ALICE "/bin/launchctl unload -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist",
+    {"stopGlobalAgent", [] { agent::stopGlobalAgent(kConsole); }, expected::kStopAgent,
      "Global Agent stop successfully.\n", "Global Agent failed to stop.\n"},
-    {"startGlobalAgent", [] { agent::startGlobalAgent(kConsole, true); },
-     AS_ALICE "/bin/launchctl load -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist",
+    {"startGlobalAgent", [] { agent::startGlobalAgent(kConsole, true); }, expected::kStartAgent,
      "Global Agent starts successfully.\n", "Global Agent failed to start.\n"},
-    {"stopGlobalDaemon", [] { agent::stopGlobalDaemon(kAdmin); },
-     AS_ROOT "/bin/launchctl unload -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist",
+    {"stopGlobalDaemon", [] { agent::stopGlobalDaemon(kAdmin); }, expected::kStopDaemon,
      "Global Daemon stops successfully.\n", "Global Daemon failed to stop.\n"},
-    {"startGlobalDaemon", [] { agent::startGlobalDaemon(kAdmin); },
-     AS_ROOT "/bin/launchctl load -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist",
+    {"startGlobalDaemon", [] { agent::startGlobalDaemon(kAdmin); }, expected::kStartDaemon,
      "Global Daemon starts successfully.\n", "Global Daemon failed to start.\n"},
 };
 
-TEST_F(AgentCommands, ChangeAJobByOneCommandAndSayHowItWent) {
+TEST_F(AgentCommands, ChangeAJobByOneCommandAndPrintTheResult) {
   for (const Change &change : kChanges) {
     SCOPED_TRACE(change.name);
     doubles::resetShell();
@@ -121,16 +109,13 @@ TEST_F(AgentCommands, ChangeAJobByOneCommandAndSayHowItWent) {
   }
 }
 
-TEST_F(AgentCommands, StartTheAgentWithoutWaitingAndSaySoWhateverHappens) {
+TEST_F(AgentCommands, StartTheAgentWithoutWaitingAndPrintTheSameWhateverTheResult) {
   for (const int status : {0, 1}) {
     doubles::resetShell();
     answerStatus(status);
     EXPECT_EQ(printed([] { agent::startGlobalAgent(kConsole, false); }), "Global Agent started.\n");
     EXPECT_EQ(onlyCommand(),
-              (RecordedCommand{"/bin/bash",
-                               AS_ALICE "/bin/launchctl load -w "
-                                        "/Library/LaunchAgents/com.quorvix.SystemAgentUX.plist",
-                               ShellMode::LaunchOnly}));
+              (RecordedCommand{"/bin/bash", expected::kStartAgent, ShellMode::LaunchOnly}));
   }
 }
 
@@ -159,7 +144,7 @@ constexpr EditionRow kEditionRows[] = {
     {"", "/Applications/Quorvix/QuorvixOskel", "com.quorvix.oskel.agent"},
 };
 
-TEST_F(AgentCommands, DeleteASettingsFileInTheEditionsFolderWithTwoBlanks) {
+TEST_F(AgentCommands, DeleteASettingsFileInTheEditionsFolderWithTwoSpaces) {
   for (const EditionRow &row : kEditionRows) {
     SCOPED_TRACE(row.oem);
     doubles::resetShell();

@@ -11,6 +11,7 @@
 #include "doubles/fake_server_plist_path.h"
 #include "doubles/recording_shell.h"
 #include "doubles/scratch_folder.h"
+#include "unit/expected_commands.h"
 
 namespace {
 
@@ -19,29 +20,13 @@ using doubles::recordingShell;
 using doubles::ScratchFolder;
 using Lines = std::vector<std::string>;
 
-#define ROOT "/bin/echo \"s3cret\" | /usr/bin/sudo -u \"bob\" -S /usr/bin/sudo -S "
-#define USER "/bin/launchctl asuser 501 /usr/bin/sudo -u \"alice\" "
+using namespace expected;
 
-const std::string kLookUpUser =
-    "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser";
-const std::string kLookUpUID = "loggedInUID=$(id -u \"alice\"); echo $loggedInUID";
-const std::string kCheckAgent = USER "/bin/launchctl list com.quorvix.SystemAgentUX  &> /dev/null";
-const std::string kStopAgent =
-    USER "/bin/launchctl unload -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist";
-const std::string kStartAgent =
-    USER "/bin/launchctl load -w /Library/LaunchAgents/com.quorvix.SystemAgentUX.plist";
-const std::string kCheckDaemon =
-    ROOT "/bin/launchctl list com.quorvix.SystemAgentDaemon &> /dev/null";
-const std::string kStopDaemon =
-    ROOT "/bin/launchctl unload -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
-const std::string kStartDaemon =
-    ROOT "/bin/launchctl load -w /Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist";
-const std::string kFolder = "/Applications/Zentavo/ZentavoVardex/SystemAgent/";
-const std::string kDelete = ROOT "/bin/rm  " + kFolder + "settings/";
-const std::string kGenerate = "echo -n > " + kFolder + "settings/daemon.settings.xml; " + kFolder +
-                              "SystemAgentDaemon daemon exit";
+/// What an ordinary Apply runs when both jobs are loaded and the console user is given.
+const Lines kRestart{kCheckAgent,  kStopAgent,   kCheckDaemon, kStopDaemon,
+                     kCheckDaemon, kStartDaemon, kCheckAgent,  kStartAgent};
 
-/// Answers as launchd would for two jobs that can be told to refuse.
+/// Simulates launchd with two jobs, whose stop or start can be made to fail.
 class Apply : public testing::Test {
  protected:
   void SetUp() override {
@@ -102,8 +87,7 @@ class Apply : public testing::Test {
 };
 
 TEST_F(Apply, StopsTheAgentFirstAndStartsItLast) {
-  EXPECT_EQ(apply(), (Lines{kCheckAgent, kStopAgent, kCheckDaemon, kStopDaemon, kCheckDaemon,
-                            kStartDaemon, kCheckAgent, kStartAgent}));
+  EXPECT_EQ(apply(), kRestart);
   EXPECT_EQ(printed_,
             "USER=alice uid=501\n"
             "Global Agent stop successfully.\n"
@@ -128,7 +112,7 @@ TEST_F(Apply, LooksUpTheConsoleUserWhenNoneIsGiven) {
   EXPECT_TRUE(printed_.starts_with("USER=alice uid=501\n")) << printed_;
 }
 
-TEST_F(Apply, RemovesEveryLineEndFromWhatTheLookupsPrint) {
+TEST_F(Apply, RemovesEveryNewlineFromTheOutputOfTheLookups) {
   request_.consoleUser.reset();
   recordingShell().answer = [](const RecordedCommand &command) -> agent::ShellResult {
     if (command.command == kLookUpUser) return {.text = "\nal\nice\n\n", .status = 0};
@@ -139,7 +123,7 @@ TEST_F(Apply, RemovesEveryLineEndFromWhatTheLookupsPrint) {
   EXPECT_TRUE(printed_.starts_with("USER=alice uid=501\n")) << printed_;
 }
 
-TEST_F(Apply, TakesAGivenConsoleUserAsItIs) {
+TEST_F(Apply, UsesAGivenConsoleUserUnchanged) {
   request_.consoleUser = agent::ConsoleUser{.user = " x\n", .uid = "abc"};
   const Lines lines = apply();
   ASSERT_FALSE(lines.empty());
@@ -166,7 +150,7 @@ TEST_F(Apply, TellsWhichJobsItHasLoaded) {
   EXPECT_FALSE(outcome_.daemonStarted || outcome_.agentStarted);
 }
 
-TEST_F(Apply, StopsNothingThatIsNotLoadedAndStartsBoth) {
+TEST_F(Apply, StopsNoJobThatIsNotLoadedAndStartsBoth) {
   agentLoaded_ = daemonLoaded_ = false;
   EXPECT_EQ(apply(), (Lines{kCheckAgent, kCheckDaemon, kCheckDaemon, kStartDaemon, kCheckAgent,
                             kStartAgent}));
@@ -175,16 +159,14 @@ TEST_F(Apply, StopsNothingThatIsNotLoadedAndStartsBoth) {
 
 TEST_F(Apply, ResetsTheSettingsAfterTheFileAndBeforeTheStarts) {
   request_.reset_settings = true;
-  EXPECT_EQ(apply(),
-            (Lines{kCheckAgent, kStopAgent, kCheckDaemon, kStopDaemon,
-                   kDelete + "safeguarding_server.xml", kDelete + "tkprotocolserver.settings.xml",
-                   kDelete + "safeguarding_cloud.xml", kGenerate, kCheckDaemon, kStartDaemon,
-                   kCheckAgent, kStartAgent}));
+  EXPECT_EQ(apply(), (Lines{kCheckAgent, kStopAgent, kCheckDaemon, kStopDaemon,
+                            kDeleteServerSettings, kDeleteProtocolSettings, kDeleteCloudSettings,
+                            kGenerate, kCheckDaemon, kStartDaemon, kCheckAgent, kStartAgent}));
   EXPECT_FALSE(fileAtCommand_[3]);
   EXPECT_TRUE(fileAtCommand_[4]);
 }
 
-TEST_F(Apply, DoesNotStartAJobThatRefusedToStop) {
+TEST_F(Apply, DoesNotStartAJobThatFailedToStop) {
   stopsFail_ = true;
   EXPECT_EQ(apply(),
             (Lines{kCheckAgent, kStopAgent, kCheckDaemon, kStopDaemon, kCheckDaemon, kCheckAgent}));
@@ -193,23 +175,23 @@ TEST_F(Apply, DoesNotStartAJobThatRefusedToStop) {
   EXPECT_TRUE(std::filesystem::exists(path_));
 }
 
-TEST_F(Apply, GoesOnWhenStartsFail) {
+TEST_F(Apply, ContinuesWhenStartsFail) {
   startsFail_ = true;
-  EXPECT_EQ(apply().size(), 8U);
+  EXPECT_EQ(apply(), kRestart);
   EXPECT_TRUE(printed_.ends_with("Global Daemon failed to start.\nGlobal Agent failed to start.\n"))
       << printed_;
 }
 
-TEST_F(Apply, GoesOnWhenTheFileCannotBeWritten) {
+TEST_F(Apply, ContinuesWhenTheFileCannotBeWritten) {
   doubles::setServerPlistPath(folder_.file("missing/server.plist"));
-  EXPECT_EQ(apply().size(), 8U);
+  EXPECT_EQ(apply(), kRestart);
   EXPECT_NE(errors_.find("unable to write in "), std::string::npos) << errors_;
   EXPECT_EQ(outcome_.write, std::errc::no_such_file_or_directory);
   EXPECT_TRUE(printed_.ends_with("Global Agent starts successfully.\n")) << printed_;
 }
 
 /// Ends the process with the number of commands that ran.
-[[noreturn]] void applyWithNoReaderOfTheOutput(const settings::ApplyRequest &request) {
+[[noreturn]] void applyWithoutAReaderOfTheOutput(const settings::ApplyRequest &request) {
   std::signal(SIGPIPE, SIG_DFL);
   app::ignoreBrokenPipes();
   std::array<int, 2> ends{};
@@ -222,8 +204,8 @@ TEST_F(Apply, GoesOnWhenTheFileCannotBeWritten) {
 
 using ApplyDeathTest = Apply;
 
-TEST_F(ApplyDeathTest, GoesOnToTheLastCommandWhenTheReaderOfItsOutputHasLeft) {
-  EXPECT_EXIT(applyWithNoReaderOfTheOutput(request_), testing::ExitedWithCode(8), "");
+TEST_F(ApplyDeathTest, RunsToTheLastCommandWhenTheReaderOfItsOutputHasLeft) {
+  EXPECT_EXIT(applyWithoutAReaderOfTheOutput(request_), testing::ExitedWithCode(8), "");
 }
 
 TEST(ConsoleUserArguments, AreTakenOnlyWhenThereAreExactlyTwo) {

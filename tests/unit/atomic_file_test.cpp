@@ -13,7 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 using doubles::ScratchFolder;
 
-class WholeFile : public testing::Test {
+class AtomicFile : public testing::Test {
  protected:
   static mode_t fileMode(const std::string &path) {
     struct stat info {};
@@ -29,7 +29,7 @@ class WholeFile : public testing::Test {
   std::string path_ = folder_.file("target");
 };
 
-TEST_F(WholeFile, IsNewWithMode644WhateverTheUmask) {
+TEST_F(AtomicFile, GetsMode644WhateverTheUmaskWhenItIsNew) {
   const mode_t before = ::umask(077);
   EXPECT_FALSE(agent::writeFileAtomically(path_, "content"));
   ::umask(before);
@@ -38,7 +38,7 @@ TEST_F(WholeFile, IsNewWithMode644WhateverTheUmask) {
   EXPECT_EQ(entries(), 1U);
 }
 
-TEST_F(WholeFile, KeepsThePermissionsOfTheOldOne) {
+TEST_F(AtomicFile, KeepsThePermissionsOfTheOldOne) {
   for (const mode_t mode : {0600U, 0664U, 0444U}) {
     folder_.write("target", "old");
     ASSERT_EQ(::chmod(path_.c_str(), mode), 0);
@@ -49,7 +49,7 @@ TEST_F(WholeFile, KeepsThePermissionsOfTheOldOne) {
   }
 }
 
-TEST_F(WholeFile, HoldsEveryByte) {
+TEST_F(AtomicFile, ContainsEveryByte) {
   std::string content("\0\n\r\xFF", 4);
   content.append(3'000'000, 'x');
   EXPECT_FALSE(agent::writeFileAtomically(path_, content));
@@ -58,7 +58,7 @@ TEST_F(WholeFile, HoldsEveryByte) {
   EXPECT_EQ(ScratchFolder::read(path_), "");
 }
 
-TEST_F(WholeFile, ReplacesALinkAndLeavesWhatItPointsTo) {
+TEST_F(AtomicFile, ReplacesALinkAndNotItsTarget) {
   const std::string other = folder_.write("other", "untouched");
   ASSERT_EQ(::chmod(other.c_str(), 0600), 0);
   fs::create_symlink(other, path_);
@@ -69,28 +69,28 @@ TEST_F(WholeFile, ReplacesALinkAndLeavesWhatItPointsTo) {
   EXPECT_EQ(ScratchFolder::read(other), "untouched");
 }
 
-TEST_F(WholeFile, ReplacesADanglingLink) {
+TEST_F(AtomicFile, ReplacesADanglingLink) {
   fs::create_symlink(folder_.file("nowhere"), path_);
   EXPECT_FALSE(agent::writeFileAtomically(path_, "new"));
   EXPECT_FALSE(fs::is_symlink(path_));
   EXPECT_FALSE(fs::exists(folder_.file("nowhere")));
 }
 
-TEST_F(WholeFile, NamesTheCauseWhenTheFolderIsMissing) {
+TEST_F(AtomicFile, ReturnsTheErrorWhenTheFolderIsMissing) {
   EXPECT_EQ(agent::writeFileAtomically(folder_.file("missing/target"), "x"),
             std::errc::no_such_file_or_directory);
 }
 
-TEST_F(WholeFile, LeavesAFolderOfThatNameAndNoTemporaryFile) {
+TEST_F(AtomicFile, DoesNotReplaceAFolderAndLeavesNoTemporaryFile) {
   fs::create_directory(path_);
   EXPECT_EQ(agent::writeFileAtomically(path_, "x"), std::errc::is_a_directory);
   EXPECT_TRUE(fs::is_directory(path_));
   EXPECT_EQ(entries(), 1U);
 }
 
-TEST_F(WholeFile, LeavesTheOldFileAndNoTemporaryOneWhenTheDiskTakesNoMore) {
+TEST_F(AtomicFile, LeavesTheOldFileAndNoTemporaryOneWhenTheContentDoesNotFit) {
   folder_.write("target", "old");
-  // A limit on the size of files is how a test gets a write to fail half-way.
+  // A limit on file sizes makes a write fail half-way.
   rlimit before{};
   ::getrlimit(RLIMIT_FSIZE, &before);
   const auto handler = std::signal(SIGXFSZ, SIG_IGN);

@@ -270,7 +270,6 @@ TEST_F(StartOfACommand, WaitsAndReadsAgainAfterASignal) {
   EXPECT_EQ(runWith(ShellMode::Capture, "read", EINTR).result.outcome, ShellOutcome::Done);
 }
 
-/// What the operations say is part of the program's interface; what they run must not be.
 TEST_F(StartOfACommand, ShowsThePasswordInNoMessageOfAnyOperation) {
   const agent::Credentials admin{.user = "bob", .pwd = kSecret};
   const agent::ConsoleUser console{.user = "alice", .uid = "501"};

@@ -29,14 +29,14 @@ std::string afterTime(const std::string &line) {
              : "no time stamp: " + line;
 }
 
-TEST(ErrorLog, WritesTimeBlankMessageAndLineEnd) {
+TEST(ErrorLog, WritesTimeSpaceMessageAndNewline) {
   EXPECT_EQ(afterTime(logged("Disk full")), " Disk full\n");
   EXPECT_EQ(afterTime(logged("")), " \n");
   EXPECT_EQ(afterTime(logged("ends\n")), " ends\n\n");
   EXPECT_EQ(afterTime(logged("caf\xC3\xA9 \xE6\x97\xA5")), " caf\xC3\xA9 \xE6\x97\xA5\n");
 }
 
-TEST(ErrorLog, CutsAMessageAtANULAndStillEndsTheLine) {
+TEST(ErrorLog, EndsAMessageAtANULAndStillWritesTheNewline) {
   EXPECT_EQ(afterTime(logged(std::string("before\0after", 12))), " before\n");
 }
 
@@ -80,7 +80,7 @@ TEST(ErrorLog, ShowsTheTimeOfTheCall) {
   EXPECT_LE(shown, app::errorLogTime(system_clock::now()));
 }
 
-TEST(Remarks, GoToStandardOutputAsOneLineEach) {
+TEST(StatusMessages, GoToStandardOutputAsOneLineEach) {
   testing::internal::CaptureStdout();
   app::printLine("one");
   app::printLine("");
@@ -107,7 +107,7 @@ TEST(StderrStream, AddsNothing) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "ab\n");
 }
 
-TEST(FatalErrorDeathTest, SaysWhatWasWrongAndAborts) {
+TEST(FatalErrorDeathTest, NamesTheErrorAndAborts) {
   EXPECT_EXIT(app::fatalError("outlet port is not connected"), testing::KilledBySignal(SIGABRT),
               "^fatal error: outlet port is not connected\n$");
 }

@@ -1,6 +1,5 @@
 #import <OpenDirectory/OpenDirectory.h>
 #include <gtest/gtest.h>
-#import <objc/runtime.h>
 
 #include <map>
 #include <set>
@@ -9,6 +8,7 @@
 
 #include "app/local_admin.h"
 #include "app/ns_string.h"
+#include "doubles/intercepted_method.h"
 #include "doubles/recording_shell.h"
 
 namespace {
@@ -89,11 +89,6 @@ using Asked = std::vector<std::string>;
 
 class LocalAdmin : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    method_setImplementation(
-        class_getClassMethod([ODNode class], @selector(nodeWithSession:type:error:)),
-        reinterpret_cast<IMP>(openFakeNode));
-  }
   void SetUp() override {
     doubles::resetShell();
     theDirectory = {};
@@ -101,7 +96,7 @@ class LocalAdmin : public testing::Test {
         {"alice", "a-pw"}, {"carol", "c-pw"}, {"root", "r-pw"}, {"empty", ""}};
     theDirectory.admins = {"alice", "root", "empty"};
   }
-  /// The answer for root while the console look-up prints `output`.
+  /// The result for root when the lookup of the console user prints `output`.
   static bool rootMayStart(const std::string &output, std::string &printed) {
     doubles::recordingShell().answer = [&](const doubles::RecordedCommand &) {
       return agent::ShellResult{.text = output, .status = 0};
@@ -111,6 +106,10 @@ class LocalAdmin : public testing::Test {
     printed = testing::internal::GetCapturedStdout();
     return result;
   }
+
+ private:
+  doubles::InterceptedMethod openNode_ = doubles::InterceptedMethod::ofClass(
+      [ODNode class], @selector(nodeWithSession:type:error:), reinterpret_cast<IMP>(openFakeNode));
 };
 
 TEST_F(LocalAdmin, MayStartTheProgramAsAMemberOfTheAdminGroup) {
@@ -119,7 +118,7 @@ TEST_F(LocalAdmin, MayStartTheProgramAsAMemberOfTheAdminGroup) {
   EXPECT_TRUE(doubles::recordingShell().commands.empty());
 }
 
-TEST_F(LocalAdmin, ConsoleUserIsLookedUpWithTheErrorStreamAndReturnedAsPrinted) {
+TEST_F(LocalAdmin, ConsoleUserIsLookedUpWithStandardErrorAndReturnedUnchanged) {
   doubles::recordingShell().answer = [](const doubles::RecordedCommand &) {
     return agent::ShellResult{.text = "alice\n", .status = 0};
   };
@@ -140,7 +139,7 @@ TEST_F(LocalAdmin, MayNotStartItOtherwise) {
   EXPECT_FALSE(app::checkLocalAdminUser("alice"));
 }
 
-TEST_F(LocalAdmin, RootPassesBecauseTheConsoleOwnerIsPrintedWithALineEnd) {
+TEST_F(LocalAdmin, RootPassesBecauseTheConsoleUserIsPrintedWithANewline) {
   std::string printed;
   EXPECT_TRUE(rootMayStart("root\n", printed));
   EXPECT_EQ(printed, "");
@@ -154,7 +153,7 @@ TEST_F(LocalAdmin, RootIsRefusedWhereTheOutputIsExactlyRoot) {
   EXPECT_EQ(printed, "user cannot be root.\n");
 }
 
-TEST_F(LocalAdmin, RootOutsideTheGroupIsRefusedWithoutAskingForTheConsole) {
+TEST_F(LocalAdmin, RootOutsideTheGroupIsRefusedWithoutALookupOfTheConsoleUser) {
   theDirectory.admins.erase("root");
   EXPECT_FALSE(app::checkLocalAdminUser("root"));
   EXPECT_TRUE(doubles::recordingShell().commands.empty());
@@ -185,7 +184,7 @@ TEST_F(LocalAdmin, LogsInWithAnEmptyPasswordOnlyWhereTheDirectoryAcceptsIt) {
   EXPECT_TRUE(app::authenticateLocalAdminUser("empty", ""));
 }
 
-TEST_F(LocalAdmin, HasNoRootTestAtTheLogin) {
+TEST_F(LocalAdmin, DoesNotTreatRootDifferentlyAtTheLogin) {
   EXPECT_TRUE(app::authenticateLocalAdminUser("root", "r-pw"));
   EXPECT_TRUE(doubles::recordingShell().commands.empty());
 }

@@ -8,7 +8,7 @@ constexpr const char *kTwoLanguages =
     "User carol is not from local Admin group.\n\nL'utilisateur carol ne fait pas partie du groupe "
     "d'administrateurs local.";
 
-TEST(Refusal, SpeaksFiveLanguagesUnderTheOskelTitle) {
+TEST(NotAdminMessage, IsInFiveLanguagesUnderTheOskelTitle) {
   EXPECT_EQ(app::notAdminMessage("Oskel Configuration Utility", "carol"),
             "User carol is not from local Admin group.\n\n"
             "L'utente carol non appartiene al gruppo Admin locale.\n\n"
@@ -17,7 +17,7 @@ TEST(Refusal, SpeaksFiveLanguagesUnderTheOskelTitle) {
             "Der Benutzer carol geh\xC3\xB6rt nicht zur lokalen Admin-Gruppe.");
 }
 
-TEST(Refusal, SpeaksEnglishAndFrenchUnderEveryOtherTitle) {
+TEST(NotAdminMessage, IsInEnglishAndFrenchUnderEveryOtherTitle) {
   for (const char *title :
        {"Zentavo Configuration Utility", "Fennrow Configuration Utility",
         "Tollwick Configuration Utility", "Another Title", "", "oskel configuration utility"}) {
@@ -25,7 +25,7 @@ TEST(Refusal, SpeaksEnglishAndFrenchUnderEveryOtherTitle) {
   }
 }
 
-TEST(Refusal, KeepsAnEmptyNameInItsPlace) {
+TEST(NotAdminMessage, AcceptsAnEmptyName) {
   EXPECT_EQ(app::notAdminMessage("Zentavo Configuration Utility", ""),
             "User  is not from local Admin group.\n\nL'utilisateur  ne fait pas partie du groupe "
             "d'administrateurs local.");

@@ -37,7 +37,7 @@ void runEveryOperation() {
   agent::generateServerPlistFile({.server = "mdm", .port = "6000", .lang = "en"});
 }
 
-TEST(Secrets, AreInNoMessageHoweverTheCommandsEnd) {
+TEST(Secrets, AreInNoMessageWhateverTheResultOfTheCommands) {
   doubles::setServerPlistPath("/nowhere/server.plist");
   for (const int status : {0, 1, 9, 127}) {
     doubles::resetShell();
@@ -50,7 +50,7 @@ TEST(Secrets, AreInNoMessageHoweverTheCommandsEnd) {
     const std::string output =
         testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
     EXPECT_EQ(output.find(kSecret), std::string::npos) << output;
-    // What there was to look at: the messages of six operations, and the commands with the secret.
+    // Both the messages and the commands with the password did exist.
     EXPECT_EQ(std::ranges::count(output, '\n'), 6) << output;
     EXPECT_EQ(std::ranges::count_if(
                   recordingShell().commandLines(),

@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(LocalLibrary, IsTheMachinesOwnAndNotTheUsers) {
+TEST(ServerPlistPath, IsInTheLibraryOfTheMachineAndNotOfTheUser) {
   const auto path = agent::serverPlistPath();
   ASSERT_TRUE(path);
   EXPECT_EQ(*path, LOCAL_LIBRARY "/Preferences/ZentavoAgent/server.plist");

@@ -49,7 +49,7 @@ TEST(ServerPlistText, IsTheSameByteForByteWithTheProfileOnAndOff) {
             expectedText("en", "mdm", "+80", "true"));
 }
 
-TEST(ServerPlistText, TakesValuesAsTheyAre) {
+TEST(ServerPlistText, InsertsValuesUnchanged) {
   EXPECT_EQ(agent::serverPlistText({.server = "a&b<c>\"'", .port = "", .lang = ""}),
             expectedText("", "a&b<c>\"'", "", "false"));
 }
@@ -70,7 +70,7 @@ class ServerPlistFile : public testing::Test {
   std::string path_ = folder_.file("server.plist");
 };
 
-TEST_F(ServerPlistFile, HoldsTheTextAndReadsBack) {
+TEST_F(ServerPlistFile, ContainsTheTextAndCanBeRead) {
   EXPECT_EQ(generateAndReturnErrors(values_), "");
   EXPECT_EQ(ScratchFolder::read(path_), expectedText("fr", "192.0.2.10", "4000", "true"));
   EXPECT_EQ(settings::getServerData(),
@@ -80,18 +80,22 @@ TEST_F(ServerPlistFile, HoldsTheTextAndReadsBack) {
 TEST_F(ServerPlistFile, KeepsABackslash) {
   const std::string server = R"(files\U0041\n)";
   EXPECT_EQ(generateAndReturnErrors({.server = server, .port = "4000", .lang = "de"}), "");
-  EXPECT_EQ(settings::getServerData()->server, server);
+  EXPECT_EQ(settings::getServerData(),
+            (settings::ServerData{.language = "de", .server = server, .port = "4000"}));
 }
 
-TEST_F(ServerPlistFile, WithXMLSpecialsIsNoPropertyListAndReadsAsDefaults) {
+TEST_F(ServerPlistFile, WithXMLMarkupIsNotAPropertyListAndReadsLikeAMissingFile) {
   EXPECT_EQ(generateAndReturnErrors({.server = "a&b<c", .port = "4000", .lang = "de"}), "");
   EXPECT_EQ(ScratchFolder::read(path_), expectedText("de", "a&b<c", "4000", "false"));
   const auto data = settings::getServerData();
+  ASSERT_TRUE(data);
   EXPECT_EQ(data->server, "");
   EXPECT_EQ(data->port, "6000");
+  std::filesystem::remove(path_);
+  EXPECT_EQ(data, settings::getServerData());
 }
 
-TEST_F(ServerPlistFile, IsReportedWithPathAndCauseWhenItCannotBeWritten) {
+TEST_F(ServerPlistFile, IsReportedWithPathAndErrorWhenItCannotBeWritten) {
   const std::string missing = folder_.file("missing/server.plist");
   doubles::setServerPlistPath(missing);
   const std::string line = generateAndReturnErrors(values_);
@@ -102,7 +106,7 @@ TEST_F(ServerPlistFile, IsReportedWithPathAndCauseWhenItCannotBeWritten) {
             "unable to write in " + missing + " with error No such file or directory\n");
 }
 
-TEST_F(ServerPlistFile, IsNotWrittenAndNothingSaidWithoutALibraryFolder) {
+TEST_F(ServerPlistFile, IsNotWrittenAndNothingIsPrintedWithoutALibraryFolder) {
   doubles::setServerPlistPath(std::nullopt);
   EXPECT_EQ(generateAndReturnErrors(values_), "");
   EXPECT_TRUE(std::filesystem::is_empty(folder_.path()));

@@ -33,7 +33,7 @@ int status(const std::string &command) {
   return runShellCommand(agent::kBash, command, ShellMode::Status).status;
 }
 
-/// Polls, for what happens in another process.
+/// Polls for something that another process does.
 bool becomesTrue(const std::function<bool()> &condition) {
   for (int i = 0; i < 500; ++i) {
     if (condition()) return true;
@@ -49,11 +49,11 @@ std::size_t openDescriptors() {
                                                 std::filesystem::directory_iterator()));
 }
 
-TEST(CaptureMode, ReturnsBothStreamsInTheOrderWrittenWithTheLineEnd) {
+TEST(CaptureMode, ReturnsBothStreamsInTheOrderWrittenWithTheNewline) {
   EXPECT_EQ(capture("echo one; echo two >&2; echo three"), "one\ntwo\nthree\n");
 }
 
-TEST(CaptureMode, ReturnsTheEmptyTextWhenNothingIsPrinted) {
+TEST(CaptureMode, ReturnsTheEmptyStringWhenNothingIsPrinted) {
   EXPECT_EQ(capture("true"), "");
   EXPECT_EQ(capture("exit 3"), "");
 }
@@ -62,7 +62,7 @@ TEST(CaptureMode, IgnoresTheStatusAndKeepsEveryCharacter) {
   EXPECT_EQ(capture("printf ' caf\\xc3\\xa9 \\t'; exit 7"), " caf\xC3\xA9 \t");
 }
 
-TEST(CaptureMode, TakesAsMuchAsAPipeHolds) {
+TEST(CaptureMode, ReturnsAsMuchAsAPipeHolds) {
   EXPECT_EQ(capture("head -c 60000 /dev/zero | tr '\\0' x").size(), 60000U);
 }
 
@@ -84,12 +84,20 @@ TEST(StatusMode, ReturnsTheSignalThatEndedTheShell) {
   EXPECT_EQ(status("kill -KILL $$"), SIGKILL);
 }
 
-TEST(StatusMode, LeavesTheOutputToTheProgramsOwnStreams) {
+TEST(StatusMode, SendsTheOutputToTheProgramsOwnStreams) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
   EXPECT_EQ(status("echo out; echo err >&2"), 0);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "out\n");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "err\n");
+}
+
+TEST(StatusMode, KeepsTheOrderOfStatusMessagesAndOutput) {
+  testing::internal::CaptureStdout();
+  app::printLine("first");
+  EXPECT_EQ(status("echo second"), 0);
+  app::printLine("third");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "first\nsecond\nthird\n");
 }
 
 TEST(WaitOnlyMode, WaitsAndReturnsNothing) {
@@ -102,7 +110,7 @@ TEST(WaitOnlyMode, WaitsAndReturnsNothing) {
   EXPECT_EQ(result.text, "");
 }
 
-TEST(LaunchOnlyMode, DoesNotWaitAndLeavesNoChildOfOurs) {
+TEST(LaunchOnlyMode, DoesNotWaitAndLeavesNoChildProcess) {
   const ScratchFolder folder;
   const std::string go = folder.file("go");
   const std::string done = folder.file("done");
@@ -119,7 +127,7 @@ TEST(Shell, GetsTheCommandAsOneArgumentOfDashC) {
   EXPECT_EQ(capture("echo \"$0|$#\""), "/bin/bash|0\n");
   EXPECT_EQ(runShellCommand(agent::kSh, "echo \"$0\"", ShellMode::Capture).text, "/bin/sh\n");
   EXPECT_EQ(capture("echo 'a  b' \"c\" | cat"), "a  b c\n");
-  // Only bash knows this redirection as one of both streams.
+  // Only bash redirects both streams by this.
   EXPECT_EQ(capture("{ echo one; echo two >&2; } &> /dev/null; echo end"), "end\n");
 }
 
@@ -160,7 +168,7 @@ TEST(Shell, EndsByABrokenPipeThoughTheProgramDoesNot) {
   std::signal(SIGPIPE, before);
 }
 
-TEST(Shell, IsWaitedForAlsoWhenSignalsArrive) {
+TEST(Shell, IsWaitedForEvenWhenSignalsArrive) {
   static volatile sig_atomic_t alarms;
   alarms = 0;
   struct sigaction action {
@@ -183,7 +191,7 @@ TEST(Shell, KeepsItsStatusWhenTheProgramWasStartedWithSIGCHLDIgnored) {
   ::signal(SIGCHLD, before);
 }
 
-TEST(Shell, LeavesNothingBehindInAnyMode) {
+TEST(Shell, LeavesNoDescriptorAndNoChildInAnyMode) {
   capture("true");
   const std::size_t before = openDescriptors();
   for (int i = 0; i < 50; ++i) {
@@ -197,7 +205,7 @@ TEST(Shell, LeavesNothingBehindInAnyMode) {
   EXPECT_TRUE(hasNoChild());
 }
 
-TEST(MissingShell, IsReportedAndCountsAsStatus127WithAnEmptyText) {
+TEST(MissingShell, IsReportedAndGivesStatus127AndNoText) {
   for (const ShellMode mode :
        {ShellMode::Capture, ShellMode::Status, ShellMode::WaitOnly, ShellMode::LaunchOnly}) {
     testing::internal::CaptureStderr();
