@@ -125,10 +125,27 @@ void recordCall(std::string_view program, const std::vector<std::string_view> &a
   if (file >= 0) close(file);
 }
 
-int number(std::string_view text) {
+int number(std::string_view text, int base = 10) {
   int value = 0;
-  std::from_chars(text.data(), text.data() + text.size(), value);
+  std::from_chars(text.data(), text.data() + text.size(), value, base);
   return value;
+}
+
+std::string bytesFromHex(std::string_view digits) {
+  std::string bytes;
+  for (size_t i = 0; i + 1 < digits.size(); i += 2) {
+    bytes += static_cast<char>(number(digits.substr(i, 2), 16));
+  }
+  return bytes;
+}
+
+void printError(const std::string &text) {
+  size_t done = 0;
+  while (done < text.size()) {
+    const ssize_t length = write(STDERR_FILENO, text.data() + done, text.size() - done);
+    if (length < 0 && errno != EINTR) return;
+    if (length > 0) done += static_cast<size_t>(length);
+  }
 }
 
 void perform(std::string_view action) {
@@ -149,13 +166,9 @@ void perform(std::string_view action) {
     while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
     }
   } else if (verb == "stderr") {
-    const std::string noise(static_cast<size_t>(number(action)), 'e');
-    size_t done = 0;
-    while (done < noise.size()) {
-      const ssize_t length = write(STDERR_FILENO, noise.data() + done, noise.size() - done);
-      if (length < 0 && errno != EINTR) return;
-      if (length > 0) done += static_cast<size_t>(length);
-    }
+    printError(std::string(static_cast<size_t>(number(action)), 'e'));
+  } else if (verb == "prints") {
+    printError(bytesFromHex(action));
   } else {
     fprintf(stderr, "lab: unknown action \"%.*s\"\n", static_cast<int>(verb.size()), verb.data());
   }

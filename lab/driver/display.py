@@ -4,6 +4,16 @@ import ctypes
 import os
 import subprocess
 from pathlib import Path
+from typing import NamedTuple
+
+class Geometry(NamedTuple):
+    """A window on the screen."""
+
+    left: int
+    top: int
+    width: int
+    height: int
+
 
 Colour = tuple[int, int, int]
 WHITE: Colour = (255, 255, 255)
@@ -13,7 +23,7 @@ class Display:
     """An X server with one screen and no window manager: windows have no frame, keys go to the
     window under the pointer."""
 
-    def __init__(self, size: str = "1280x900x24"):
+    def __init__(self, size: str = "1280x900x24") -> None:
         reading, writing = os.pipe()
         self._server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-ac", "-noreset"]
@@ -56,14 +66,14 @@ class Display:
             timeout=60,
         ).stdout
 
-    def geometry(self, window: str) -> tuple[int, int, int, int] | None:
-        """Left, top, width and height of a window, if there is such a window."""
+    def geometry(self, window: str) -> Geometry | None:
+        """Place and size of a window, if there is such a window."""
         text = self.xdotool("getwindowgeometry", "--shell", window)
         values = dict(line.split("=") for line in text.splitlines())
         names = ("X", "Y", "WIDTH", "HEIGHT")
-        return tuple(int(values[name]) for name in names) if values else None
+        return Geometry(*(int(values[name]) for name in names)) if values else None
 
-    def pixel(self, x: int, y: int) -> tuple[int, int, int]:
+    def pixel(self, x: int, y: int) -> Colour:
         """The colour of a point of the screen: red, green, blue."""
         all_planes, as_pixels = ctypes.c_ulong(2**64 - 1), 2
         image = ctypes.c_void_p(

@@ -27,9 +27,13 @@ class Edition:
 
 
 def _read(table: Path) -> dict[str, Edition]:
-    lines = [line for line in table.read_text().splitlines() if not line.startswith("#")]
-    rows = [line.split("\t") for line in lines]
-    return {row[0]: Edition(*row[:5], languages=tuple(row[5].split(","))) for row in rows}
+    editions = {}
+    for line in table.read_text().splitlines():
+        if not line.startswith("#"):
+            oem, name, title, folder, profile, languages = line.split("\t")
+            codes = tuple(languages.split(","))
+            editions[oem] = Edition(oem, name, title, folder, profile, codes)
+    return editions
 
 
 EDITIONS = _read(TABLE)

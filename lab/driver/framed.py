@@ -6,7 +6,7 @@ import time
 from collections import deque
 from pathlib import Path
 
-from .display import Display
+from .display import Display, Geometry
 from .waiting import wait_until
 
 OPENBOX = Path(__file__).with_name("openbox")
@@ -35,15 +35,13 @@ class FramedDisplay(Display):
         result = subprocess.run(command, env=self.environment, capture_output=True, check=False)
         return result.stdout
 
-    def geometry(self, window: str) -> tuple[int, int, int, int] | None:
+    def geometry(self, window: str) -> Geometry | None:
         """Within a frame, where xdotool counts the frame twice."""
         text = self._output("xwininfo", "-id", window).decode()
         names = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
         found = [re.search(rf"{name}: +(-?\d+)", text) for name in names]
-        x, y, width, height = (int(match[1]) if match else None for match in found)
-        if x is None or y is None or width is None or height is None:
-            return None
-        return x, y, width, height
+        values = [int(match[1]) for match in found if match]
+        return Geometry(*values) if len(values) == len(names) else None
 
     def _shot(self, window: str) -> bytes:
         return self._output("import", "-frame", "-window", window, "-depth", "8", "ppm:-")

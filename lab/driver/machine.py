@@ -7,7 +7,7 @@ import socket
 import subprocess
 from dataclasses import dataclass
 from pathlib import Path
-from typing import Iterable, NamedTuple
+from typing import Iterable, NamedTuple, TypedDict
 
 from .paths import LAB
 
@@ -33,6 +33,17 @@ class Command(NamedTuple):
     argv: tuple[str, ...]
 
 
+class Record(TypedDict):
+    """One journal entry in full."""
+
+    time: str
+    user: str
+    pid: int
+    ppid: int
+    program: str
+    argv: list[str]
+
+
 class Job(NamedTuple):
     """A launchd job in its domain."""
 
@@ -54,15 +65,16 @@ def _accounts() -> Iterable[Account]:
 ACCOUNTS = {account.name: account for account in _accounts()}
 
 
-def _in_order(records: list[dict]) -> list[dict]:
+def _in_order(records: list[Record]) -> list[Record]:
     """Sorts the stages of each pipeline, which start at the same time, from left to right.
 
     A shell starts the stages in that order, so their process ids tell. Everything below a stage
     stays with it.
     """
-    result: list[dict] = []
-    call: list[tuple[int, dict]] = []
+    result: list[Record] = []
+    call: list[tuple[int, Record]] = []
     stages: dict[int, int] = {}
+    shell = 0
     for record in records:
         pid, parent = record["pid"], record["ppid"]
         if record["program"] in ("bash", "sh") and pid not in stages and parent not in stages:
@@ -83,7 +95,7 @@ class Machine:
         """Goes back to the state right after the agent was installed."""
         subprocess.run([LAB / "install-agent"], check=True)
 
-    def records(self) -> list[dict]:
+    def records(self) -> list[Record]:
         """All journal entries in full, in the order in which they were written."""
         text = (STATE / "journal").read_text(encoding="utf-8", errors="surrogateescape")
         return [json.loads(line) for line in text.splitlines()]
@@ -99,6 +111,7 @@ class Machine:
         *,
         times: int | None = None,
         stderr: int | None = None,
+        prints: bytes | None = None,
         delay: float | None = None,
         exit: int | None = None,
         signal: int | None = None,
@@ -110,7 +123,13 @@ class Machine:
         The actions happen in the order of the arguments; without `exit` or `signal` the call then
         goes on as usual. `times` limits the rule to the first calls; -n is for the n-th call alone.
         """
-        actions = {"stderr": stderr, "delay": delay, "exit": exit, "signal": signal}
+        actions = {
+            "stderr": stderr,
+            "prints": prints.hex() if prints else None,
+            "delay": delay,
+            "exit": exit,
+            "signal": signal,
+        }
         words = ",".join(f"{verb}={n}" for verb, n in actions.items() if n is not None)
         self.kills_commands |= signal is not None
         count = "always" if times is None else f"{times:06d}"

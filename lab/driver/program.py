@@ -2,9 +2,10 @@
 
 import re
 import subprocess
+from collections.abc import Callable
 from pathlib import Path
 
-from .display import WHITE, Colour, Display
+from .display import WHITE, Colour, Display, Geometry
 from .editions import EDITIONS, Edition
 from .interface import Interface
 from .paths import LAB
@@ -21,21 +22,23 @@ class Window:
         self._display = display
         self._interface = interface
 
-    def wait_until(self, condition, what: str) -> None:
+    def wait_until(self, condition: Callable[[], object], what: str) -> None:
         """Waits until a condition on this window holds."""
         wait_until(condition, what)
 
     def place(self, outlet: str) -> tuple[int, int]:
         """The middle of a control on the screen."""
-        left, top, _, _ = self._display.geometry(self.number)
+        geometry = self._display.geometry(self.number)
+        if geometry is None:
+            raise RuntimeError(f"the window with {outlet} is gone")
         x, y = self._interface.box(outlet).middle
-        return left + x, top + y
+        return geometry.left + x, geometry.top + y
 
-    def colour(self, outlet: str) -> tuple[int, int, int]:
+    def colour(self, outlet: str) -> Colour:
         """The colour in the middle of a control."""
         return self._display.pixel(*self.place(outlet))
 
-    def _region(self, outlet: str, width: int) -> list[tuple[int, int, int]]:
+    def _region(self, outlet: str, width: int) -> list[Colour]:
         """The colours around the middle line of a control's left part."""
         x, y = self.place(outlet)
         left = x - round(self._interface.box(outlet).width / 2) + 8
@@ -44,6 +47,9 @@ class Window:
     def is_empty(self, outlet: str) -> bool:
         """Whether a text field shows no text. (The insertion point stands left of the region.)"""
         return all(min(colour) > 128 for colour in self._region(outlet, 40))
+
+    def shows_text(self, outlet: str) -> bool:
+        return not self.is_empty(outlet)
 
     def status(self) -> str:
         """What the status image of the connection test says, by its colour."""
@@ -125,13 +131,13 @@ class Program:
 
     @property
     def output(self) -> str:
-        return self._output.read_text()
+        return self._output.read_text(errors="surrogateescape")
 
     @property
     def errors(self) -> str:
-        return self._errors.read_text()
+        return self._errors.read_text(errors="surrogateescape")
 
-    def _windows(self) -> dict[str, tuple[int, int, int, int]]:
+    def _windows(self) -> dict[str, Geometry]:
         """Number and geometry of the visible windows with the edition's title."""
         pattern = f"^{re.escape(self.edition.title)}$"
         numbers = self._display.xdotool("search", "--onlyvisible", "--name", pattern).split()
@@ -143,7 +149,7 @@ class Program:
         # The bundle's own file: the sources may have changed since it was built.
         interface = Interface(name, self.edition.program.parent / "Resources")
 
-        def visible():
+        def visible() -> Window | None:
             self._check_running()
             for number, (_, _, *size) in self._windows().items():
                 if size == [interface.width, interface.height]:
@@ -172,7 +178,7 @@ class Program:
     def wait_for_alert(self) -> None:
         """Waits for an alert and points at it, so that it gets the keyboard."""
 
-        def visible():
+        def visible() -> Geometry | None:
             self._check_running()
             return next(iter(self._windows().values()), None)
 

@@ -1,9 +1,13 @@
 """Waiting without sleeping blindly."""
 
 import time
+from collections.abc import Callable
+from typing import TypeVar
+
+Value = TypeVar("Value")
 
 
-def wait_until(condition, what: str, limit: float = 10.0):
+def wait_until(condition: Callable[[], Value | None], what: str, limit: float = 10.0) -> Value:
     """Polls until the condition holds and returns its value; fails after the limit (seconds)."""
     end = time.monotonic() + limit
     while not (value := condition()):

@@ -1,4 +1,4 @@
-"""What Apply leaves behind when one of its commands is disturbed, worked out without running it."""
+"""A model of Apply: what it leaves behind when one of its commands is disturbed, without running it."""
 
 import os
 import shlex
@@ -7,7 +7,9 @@ from dataclasses import dataclass
 from typing import NamedTuple
 
 from expected_commands import (
+    ALICE,
     RESET_FILES,
+    Operation,
     check_agent,
     check_daemon,
     console_lookup,
@@ -18,10 +20,9 @@ from expected_commands import (
     stop_daemon,
 )
 from driver.editions import EDITIONS
-from driver.machine import ACCOUNTS, AGENT, DAEMON, Account, Command, Job
+from driver.machine import AGENT, DAEMON, Account, Command, Job
 from status_messages import FAILED, SAID
 
-ALICE = ACCOUNTS["alice"]
 DAEMON_SETTINGS = "daemon.settings.xml"
 LANGUAGE = "en_US.UTF-8"
 NOISE = "e" * 60000
@@ -61,7 +62,7 @@ def _survivors(shell: list[Command], command: int) -> list[Command]:
 
 
 def _numeric_id(user: str) -> str:
-    """What `id` says about a name, on either stream, without line ends."""
+    """What `id` says about a name, on either stream, without newlines."""
     result = subprocess.run(
         ["id", "-u", user],
         env=os.environ | {"LANG": LANGUAGE},
@@ -128,18 +129,18 @@ class ApplyModel:
         if not self._is_loaded(AGENT, check_agent):
             self._change(start_agent, self.jobs | {AGENT})
 
-    def _is_loaded(self, job: Job, check) -> bool:
+    def _is_loaded(self, job: Job, check: Operation) -> bool:
         return self._run(*self._commands(check)) and job in self.jobs
 
-    def _change(self, operation, jobs: set[Job]) -> None:
+    def _change(self, operation: Operation, jobs: set[Job]) -> None:
         works = self._run(*self._commands(operation))
         if works:
             self.jobs = jobs
         self.output.append((SAID if works else FAILED)[operation])
 
-    def _commands(self, operation) -> tuple[list[Command], bool]:
+    def _commands(self, operation: Operation) -> tuple[list[Command], bool]:
         """An operation's commands, and whether the last one can be reached: launchctl refuses what
-        is no user id."""
+        is not a valid user id."""
         if operation in (check_daemon, stop_daemon, start_daemon):
             return operation("alice", ALICE), True
         commands = operation("alice", *self._console)
@@ -159,16 +160,20 @@ class ApplyModel:
         return noise + (answer if self._note(commands) else "")
 
     def _note(self, commands: list[Command], is_reached: bool = True) -> bool:
-        if self._is_disturbed() and self._ends:
-            commands, is_reached = _survivors(commands, self._place.command), False
+        place = self._disturbed_place()
+        if place is not None and self._ends:
+            commands, is_reached = _survivors(commands, place.command), False
         state = list(self.output), set(self.jobs), dict(self.settings)
         self.shells.append(Shell(commands, *state))
         return is_reached
 
     def _noise(self, commands: list[Command]) -> str:
-        is_heard = self._is_disturbed() and self._noisy
-        return NOISE if is_heard and not _is_silenced(commands, self._place.command) else ""
+        place = self._disturbed_place()
+        if place is None or not self._noisy or _is_silenced(commands, place.command):
+            return ""
+        return NOISE
 
-    def _is_disturbed(self) -> bool:
-        """Whether the disturbed command belongs to the next shell."""
-        return self._place is not None and self._place.shell == len(self.shells)
+    def _disturbed_place(self) -> Place | None:
+        """The place of the disturbed command, if it belongs to the next shell."""
+        is_next = self._place is not None and self._place.shell == len(self.shells)
+        return self._place if is_next else None

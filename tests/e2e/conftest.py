@@ -2,11 +2,13 @@
 
 import os
 import re
+from collections.abc import Callable, Iterator
 from pathlib import Path
+from typing import Any
 
 import pytest
-from driver.machine import ACCOUNTS, Machine
 from driver.display import Display
+from driver.machine import ACCOUNTS, Machine
 from driver.program import Program
 
 PICTURES = Path(os.environ.get("LAB_BUILD", "")) / "e2e"
@@ -15,14 +17,14 @@ FAILED = pytest.StashKey[bool]()
 
 
 @pytest.hookimpl(hookwrapper=True)
-def pytest_runtest_makereport(item, call):
-    outcome = yield
+def pytest_runtest_makereport(item: pytest.Item, call: pytest.CallInfo[None]) -> Iterator[None]:
+    outcome: Any = yield
     if call.when == "call":
         item.stash[FAILED] = outcome.get_result().failed
 
 
 @pytest.fixture
-def machine():
+def machine() -> Machine:
     """A machine in the state right after the agent was installed."""
     result = Machine()
     result.reset()
@@ -30,7 +32,7 @@ def machine():
 
 
 @pytest.fixture(scope="session")
-def display():
+def display() -> Iterator[Display]:
     result = Display()
     yield result
     result.close()
@@ -46,13 +48,17 @@ def check_no_password_is_printed(program: Program, kills_commands: bool) -> None
 
 
 @pytest.fixture
-def start(request, machine, display, tmp_path):
+def start(
+    request: pytest.FixtureRequest, machine: Machine, display: Display, tmp_path: Path
+) -> Iterator[Callable[..., Program]]:
     """Starts the program: start(edition=..., user=..., arguments=...). What it printed must not
     hold a password. A failed test leaves a picture of the screen in build/e2e/."""
-    programs = []
+    programs: list[Program] = []
 
-    def start_program(**options):
-        programs.append(Program(display, tmp_path, **options))
+    def start_program(**options: Any) -> Program:
+        folder = tmp_path / str(len(programs))
+        folder.mkdir()
+        programs.append(Program(display, folder, **options))
         return programs[-1]
 
     yield start_program

@@ -1,7 +1,13 @@
-"""The commands that the program is expected to run, word for word, as the journal shows them."""
+"""The commands that the program is expected to run, word for word, as the journal shows them, and the
+file that it is expected to write."""
 
-from driver.editions import Edition
-from driver.machine import Account, Command
+from collections.abc import Callable, Collection
+
+from driver.editions import EDITIONS, Edition
+from driver.machine import ACCOUNTS, Account, Command
+
+Operation = Callable[..., list[Command]]
+ALICE = ACCOUNTS["alice"]
 
 DAEMON_FILE = "/Library/LaunchDaemons/com.quorvix.SystemAgentDaemon.plist"
 AGENT_FILE = "/Library/LaunchAgents/com.quorvix.SystemAgentUX.plist"
@@ -113,8 +119,45 @@ def reset_settings(runner: str, admin: Account, edition: Edition) -> list[Comman
     ]
 
 
-def connection_test(runner: str, line: str, *words: str) -> list[Command]:
+def _connection_test(runner: str, line: str, *words: str) -> list[Command]:
     return [Command(runner, ("/bin/sh", "-c", line)), Command(runner, words)]
+
+
+def ping(runner: str, server: str) -> list[Command]:
+    line = f'/sbin/ping -c 1 "{server}"'
+    return _connection_test(runner, line, "/sbin/ping", "-c", "1", server)
+
+
+def port_test(runner: str, server: str, port: int) -> list[Command]:
+    line = f'/usr/bin/nc -vz "{server}" {port}'
+    return _connection_test(runner, line, "/usr/bin/nc", "-vz", server, str(port))
+
+
+STOPS: tuple[Operation, ...] = (stop_agent, stop_daemon)
+STARTS: tuple[Operation, ...] = (start_daemon, start_agent)
+
+
+def apply_by_alice(
+    edition: Edition = EDITIONS["Zentavo"],
+    *,
+    lookup: bool = True,
+    stops: Collection[Operation] = STOPS,
+    reset: bool = False,
+    starts: Collection[Operation] = STARTS,
+) -> list[Command]:
+    """All commands of one Apply."""
+    session = ALICE.name, ALICE.uid
+    commands = console_lookup("alice", ALICE) if lookup else []
+    commands += check_agent("alice", *session)
+    commands += stop_agent("alice", *session) if stop_agent in stops else []
+    commands += check_daemon("alice", ALICE)
+    commands += stop_daemon("alice", ALICE) if stop_daemon in stops else []
+    commands += reset_settings("alice", ALICE, edition) if reset else []
+    commands += check_daemon("alice", ALICE)
+    commands += start_daemon("alice", ALICE) if start_daemon in starts else []
+    commands += check_agent("alice", *session)
+    commands += start_agent("alice", *session) if start_agent in starts else []
+    return commands
 
 
 def server_plist(language: str, server: str, port: str, profile: bool) -> bytes:

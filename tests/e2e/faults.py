@@ -2,14 +2,16 @@
 
 import os
 import re
+from collections.abc import Callable
 from pathlib import Path
-from typing import NamedTuple
+from typing import Any, NamedTuple
 
-from expected_commands import server_plist
+from apply_model import NOISE, ApplyModel, Place, Shell
 from driver.editions import EDITIONS
-from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, STATE, Command
+from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, STATE, Command, Machine
+from driver.program import Program
 from driver.waiting import wait_until
-from apply_model import ALICE, NOISE, Place, ApplyModel
+from expected_commands import ALICE, server_plist
 from status_messages import WRITE_ERROR
 
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
@@ -22,6 +24,11 @@ COMMANDS = {
     for i, shell in enumerate(CLEAN.shells)
     for k, command in enumerate(shell.commands)
 }
+
+
+# A link's target; a file's mode, owner and content; the mode of everything else.
+Entry = str | tuple[int, int, bytes] | int
+Start = Callable[..., Program]
 
 
 class Process(NamedTuple):
@@ -46,7 +53,7 @@ def processes() -> dict[int, Process]:
 class Ready:
     """The program, logged in and with the reset chosen: the next thing is Apply."""
 
-    def __init__(self, machine, start, stored: bytes = OLD):
+    def __init__(self, machine: Machine, start: Start, stored: bytes = OLD) -> None:
         machine.write_server_plist(stored)
         machine.load(AGENT, DAEMON)
         self._machine = machine
@@ -57,7 +64,7 @@ class Ready:
         self.window.click("reset_settings")
         self._logged_in = len(machine.records())
 
-    def add_fault(self, place: Place, **actions) -> None:
+    def add_fault(self, place: Place, **actions: Any) -> None:
         """Disturbs one command of the Apply to come, and no other."""
         argv = COMMANDS[place].argv
         line = " ".join(argv)
@@ -113,14 +120,15 @@ class Ready:
         """One of the shells was the last one, and has done its work."""
         shells = CLEAN.shells[: number + 1]
         assert self.journal() == [command for shell in shells for command in shell.commands]
-        following = [*CLEAN.shells, CLEAN][number + 1]
+        states: list[Shell | ApplyModel] = [*CLEAN.shells, CLEAN]
+        following = states[number + 1]
         assert self._machine.loaded() == following.jobs
         assert self.settings() == following.settings
 
 
-def entries() -> dict[Path, object]:
-    """Everything below the preferences: a link's target; a file's mode, owner and content."""
-    result = {}
+def entries() -> dict[Path, Entry]:
+    """Everything below the preferences."""
+    result: dict[Path, Entry] = {}
     for path in PREFERENCES.parent.rglob("*"):
         status = path.lstat()
         result[path] = status.st_mode
@@ -131,6 +139,6 @@ def entries() -> dict[Path, object]:
     return result
 
 
-def after_apply(before: dict[Path, object], mode: int, content: bytes) -> dict[Path, object]:
+def after_apply(before: dict[Path, Entry], mode: int, content: bytes) -> dict[Path, Entry]:
     """The entries when the file was written."""
     return {**before, PREFERENCES.resolve() / SERVER_PLIST.name: (mode, ALICE.uid, content)}

@@ -1,14 +1,14 @@
-"""What the program says on Apply: remarks on its output, and the error of a failed write."""
+"""What the program prints on Apply: status messages, and the error of a failed write."""
 
-from expected_commands import start_agent, start_daemon, stop_agent, stop_daemon
+from expected_commands import Operation, start_agent, start_daemon, stop_agent, stop_daemon
 
-SAID = {
+SAID: dict[Operation, str] = {
     stop_agent: "Global Agent stop successfully.",
     stop_daemon: "Global Daemon stops successfully.",
     start_daemon: "Global Daemon starts successfully.",
     start_agent: "Global Agent starts successfully.",
 }
-FAILED = {
+FAILED: dict[Operation, str] = {
     stop_agent: "Global Agent failed to stop.",
     stop_daemon: "Global Daemon failed to stop.",
     start_daemon: "Global Daemon failed to start.",
@@ -20,5 +20,5 @@ WRITE_ERROR = (
 )
 
 
-def said(*operations) -> list[str]:
+def said(*operations: Operation) -> list[str]:
     return [SAID[operation] for operation in operations]

@@ -2,32 +2,39 @@
 
 import re
 import subprocess
+from collections.abc import Callable
 from itertools import product
+from typing import Any
 
 import pytest
+from driver.editions import EDITIONS
+from driver.machine import ACCOUNTS, AGENT, DAEMON, PREFERENCES, SERVER_PLIST, Job, Machine
+from driver.program import Program
 from expected_commands import (
+    ALICE,
     RESET_FILES,
+    STARTS,
+    STOPS,
+    Operation,
+    apply_by_alice,
     check_agent,
     check_daemon,
     console_lookup,
     profile_check,
-    reset_settings,
     server_plist,
     start_agent,
     start_daemon,
     stop_agent,
     stop_daemon,
 )
-from driver.editions import EDITIONS
-from driver.machine import ACCOUNTS, AGENT, DAEMON, PREFERENCES, SERVER_PLIST
 from status_messages import FAILED, SAID, WRITE_ERROR, said
 
-ALICE = ACCOUNTS["alice"]
+Start = Callable[..., Program]
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
 NEW = server_plist("fr", "192.0.2.10", "4000", False)
 
 
-def apply_once(start, reset=False, **options):
+def apply_once(start: Start, reset: bool = False, **options: Any) -> Program:
     """Starts the program, changes the server, applies and waits for the end."""
     program = start(**options)
     admin = ACCOUNTS[options.get("user", "alice")]
@@ -41,32 +48,11 @@ def apply_once(start, reset=False, **options):
     return program
 
 
-def sequence(
-    *,
-    edition="Zentavo",
-    lookup=True,
-    stops=(stop_agent, stop_daemon),
-    reset=False,
-    starts=(start_daemon, start_agent),
-):
-    """All commands of one run by alice, from the login to the end."""
-    row = EDITIONS[edition]
-    commands = profile_check("alice", ALICE, row)
-    commands += console_lookup("alice", ALICE) if lookup else []
-    commands += check_agent("alice", "alice", 501)
-    commands += stop_agent("alice", "alice", 501) if stop_agent in stops else []
-    commands += check_daemon("alice", ALICE)
-    commands += stop_daemon("alice", ALICE) if stop_daemon in stops else []
-    commands += reset_settings("alice", ALICE, row) if reset else []
-    commands += check_daemon("alice", ALICE)
-    commands += start_daemon("alice", ALICE) if start_daemon in starts else []
-    commands += check_agent("alice", "alice", 501)
-    commands += start_agent("alice", "alice", 501) if start_agent in starts else []
-    return commands
+LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])
 
 
 @pytest.fixture(autouse=True)
-def stored_settings(machine):
+def stored_settings(machine: Machine) -> None:
     machine.write_server_plist(OLD)
 
 
@@ -76,14 +62,19 @@ def stored_settings(machine):
     ids=lambda value: str(len(value)) + " arguments" if isinstance(value, tuple) else None,
 )
 def test_apply_stops_what_runs_writes_the_settings_and_starts_everything(
-    machine, start, agent, daemon, reset, arguments
-):
+    machine: Machine,
+    start: Start,
+    agent: bool,
+    daemon: bool,
+    reset: bool,
+    arguments: tuple[str, ...],
+) -> None:
     machine.load(*([AGENT] if agent else []), *([DAEMON] if daemon else []))
     settings = EDITIONS["Zentavo"].settings
     installed = {file.name: file.read_text() for file in settings.iterdir()}
     program = apply_once(start, reset, arguments=arguments)
-    stops = [stop for stop, loaded in [(stop_agent, agent), (stop_daemon, daemon)] if loaded]
-    assert machine.journal() == sequence(lookup=not arguments, stops=stops, reset=reset)
+    stops = [stop for stop, loaded in zip(STOPS, (agent, daemon)) if loaded]
+    assert machine.journal() == LOGIN + apply_by_alice(lookup=not arguments, stops=stops, reset=reset)
     assert program.output.splitlines() == [
         "USER=alice uid=501",
         *said(*stops, start_daemon, start_agent),
@@ -101,24 +92,30 @@ def test_apply_stops_what_runs_writes_the_settings_and_starts_everything(
 
 
 @pytest.mark.parametrize("edition", EDITIONS)
-def test_a_reset_touches_the_settings_of_its_own_edition_only(machine, start, edition):
+def test_a_reset_touches_the_settings_of_its_own_edition_only(
+    machine: Machine, start: Start, edition: str
+) -> None:
     apply_once(start, reset=True, edition=edition)
-    assert machine.journal() == sequence(edition=edition, stops=(), reset=True)
+    login = profile_check("alice", ALICE, EDITIONS[edition])
+    apply = apply_by_alice(EDITIONS[edition], stops=(), reset=True)
+    assert machine.journal() == login + apply
     for oem, row in EDITIONS.items():
         assert len(list(row.settings.iterdir())) == (1 if oem == edition else 4)
 
 
 @pytest.mark.parametrize("arguments", [("bob",), ("bob", "502", "x")], ids=["one", "three"])
-def test_only_exactly_two_arguments_name_the_console_user(machine, start, arguments):
+def test_only_exactly_two_arguments_name_the_console_user(
+    machine: Machine, start: Start, arguments: tuple[str, ...]
+) -> None:
     program = apply_once(start, arguments=arguments)
-    assert machine.journal() == sequence(stops=())
+    assert machine.journal() == LOGIN + apply_by_alice(stops=())
     assert program.output.startswith("USER=alice uid=501\n")
 
 
 @pytest.mark.parametrize("user", ["bob", "alice"])
 def test_the_session_of_another_console_user_stays_closed_to_an_administrator(
-    machine, start, user
-):
+    machine: Machine, start: Start, user: str
+) -> None:
     # Alice sits at the console; a program run by alice is told that bob does.
     console = ACCOUNTS["alice" if user == "bob" else "bob"]
     admin = ACCOUNTS[user]
@@ -146,8 +143,8 @@ def test_the_session_of_another_console_user_stays_closed_to_an_administrator(
 
 
 def test_where_asuser_needs_root_the_per_user_job_is_not_stopped_and_its_start_fails(
-    machine, start
-):
+    machine: Machine, start: Start
+) -> None:
     machine.load(AGENT, DAEMON)
     machine.restrict_asuser()
     program = apply_once(start)
@@ -188,55 +185,63 @@ FAULTS = {"exits 1": {"exit": 1}, "killed": {"signal": 9}}
     ids=["stop agent", "stop daemon", "start daemon", "start agent"],
 )
 def test_a_job_that_does_not_stop_or_start_is_reported_and_the_rest_is_done(
-    machine, start, operation, part, needless, loaded, fault
-):
+    machine: Machine,
+    start: Start,
+    operation: Operation,
+    part: str,
+    needless: Operation | None,
+    loaded: set[Job],
+    fault: dict[str, Any],
+) -> None:
     machine.load(AGENT, DAEMON)
     machine.add_fault("launchctl", f"^/bin/launchctl {part}", **fault)
     program = apply_once(start)
-    starts = [step for step in (start_daemon, start_agent) if step is not needless]
-    assert machine.journal() == sequence(starts=starts)
+    starts = [step for step in STARTS if step is not needless]
+    assert machine.journal() == LOGIN + apply_by_alice(starts=starts)
     outcomes = {**SAID, operation: FAILED[operation]}
-    steps = (stop_agent, stop_daemon, *starts)
+    steps = (*STOPS, *starts)
     assert program.output.splitlines()[1:] == [outcomes[step] for step in steps]
     assert SERVER_PLIST.read_bytes() == NEW
     assert machine.loaded() == loaded
 
 
 def test_files_that_cannot_be_deleted_and_an_agent_that_fails_do_not_stop_the_sequence(
-    machine, start
-):
+    machine: Machine, start: Start
+) -> None:
     settings = EDITIONS["Zentavo"].settings
     machine.add_fault("rm", "safeguarding_server.xml", exit=1)
     machine.add_fault("SystemAgentDaemon", exit=1)
     program = apply_once(start, reset=True)
-    assert machine.journal() == sequence(stops=(), reset=True)
+    assert machine.journal() == LOGIN + apply_by_alice(stops=(), reset=True)
     assert program.output.splitlines()[1:] == said(start_daemon, start_agent)
     left = {file.name: file.read_text() for file in settings.iterdir()}
     assert left.keys() == {"safeguarding_server.xml", "daemon.settings.xml"}
     assert left["daemon.settings.xml"] == ""
 
 
-def test_slow_and_noisy_commands_only_take_their_time(machine, start):
+def test_slow_and_noisy_commands_only_take_their_time(machine: Machine, start: Start) -> None:
     machine.load(AGENT, DAEMON)
     machine.add_fault("launchctl", "^/bin/launchctl unload", stderr=60000, delay=0.5)
     program = apply_once(start)
-    assert machine.journal() == sequence()
+    assert machine.journal() == LOGIN + apply_by_alice()
     assert program.errors.count("e" * 60000) == 2
     assert program.output.splitlines()[1:] == said(*SAID)
     assert machine.loaded() == {AGENT, DAEMON}
 
 
-def test_a_read_only_folder_keeps_the_old_settings_and_the_jobs_are_restarted(machine, start):
+def test_a_read_only_folder_keeps_the_old_settings_and_the_jobs_are_restarted(
+    machine: Machine, start: Start
+) -> None:
     machine.load(AGENT, DAEMON)
     PREFERENCES.chmod(0o555)
     program = apply_once(start)
     assert re.findall(WRITE_ERROR, program.errors) == ["Permission denied"]
     assert SERVER_PLIST.read_bytes() == OLD
-    assert machine.journal() == sequence()
+    assert machine.journal() == LOGIN + apply_by_alice()
     assert machine.loaded() == {AGENT, DAEMON}
 
 
-def test_a_missing_folder_is_reported_and_not_created(machine, start):
+def test_a_missing_folder_is_reported_and_not_created(machine: Machine, start: Start) -> None:
     program = start()
     window = program.log_in()
     SERVER_PLIST.unlink()
@@ -245,14 +250,16 @@ def test_a_missing_folder_is_reported_and_not_created(machine, start):
     assert program.wait() == 0
     assert re.findall(WRITE_ERROR, program.errors) == ["No such file or directory"]
     assert not PREFERENCES.exists()
-    assert machine.journal() == sequence(stops=())
+    assert machine.journal() == LOGIN + apply_by_alice(stops=())
 
 
-def change_password(name, password):
+def change_password(name: str, password: str) -> None:
     subprocess.run(["chpasswd"], input=f"{name}:{password}", text=True, check=True)
 
 
-def test_a_password_that_changed_after_the_login_leaves_the_daemon_alone(machine, start):
+def test_a_password_that_changed_after_the_login_leaves_the_daemon_alone(
+    machine: Machine, start: Start
+) -> None:
     machine.load(AGENT, DAEMON)
     program = start()
     window = program.log_in()

@@ -1,33 +1,26 @@
 """The connection test, and input that the test or Apply does not accept."""
 
-import pytest
-from expected_commands import connection_test, profile_check, server_plist
-from driver.editions import EDITIONS
-from driver.machine import ACCOUNTS, SERVER_PLIST, listen
+from collections.abc import Callable
 
-ALICE = ACCOUNTS["alice"]
+import pytest
+from driver.editions import EDITIONS
+from driver.machine import SERVER_PLIST, Command, Machine, listen
+from driver.program import Program, Window
+from expected_commands import ALICE, ping, port_test, profile_check, server_plist
+
+OpenSettings = Callable[..., tuple[Program, Window]]
 LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])
 PING, PORT = 0, 1
 IP_ADDRESS, HOST_NAME = 0, 1
 
 
-def ping(server):
-    return connection_test(
-        "alice", f'/sbin/ping -c 1 "{server}"', "/sbin/ping", "-c", "1", server
-    )
-
-
-def nc(server, port):
-    return connection_test(
-        "alice", f'/usr/bin/nc -vz "{server}" {port}', "/usr/bin/nc", "-vz", server, str(port)
-    )
-
-
 @pytest.fixture
-def settings(machine, start):
+def settings(machine: Machine, start: Callable[..., Program]) -> OpenSettings:
     """Opens the settings window over a stored server and port, with the modes chosen."""
 
-    def open_window(server="192.0.2.10", port="6000", mode=IP_ADDRESS, test=PING):
+    def open_window(
+        server: str = "192.0.2.10", port: str = "6000", mode: int = IP_ADDRESS, test: int = PING
+    ) -> tuple[Program, Window]:
         machine.write_server_plist(server_plist("en", server, port, False))
         program = start()
         window = program.log_in()
@@ -41,7 +34,7 @@ def settings(machine, start):
     return open_window
 
 
-def quit_and_read_journal(machine, program, window):
+def quit_and_read_journal(machine: Machine, program: Program, window: Window) -> list[Command]:
     window.click("Quit_button")
     assert program.wait() == 0
     return machine.journal()
@@ -58,45 +51,53 @@ def quit_and_read_journal(machine, program, window):
         ("unknown-server", HOST_NAME, "unreachable"),
     ],
 )
-def test_ping_shows_whether_the_server_answers(machine, settings, server, mode, status):
+def test_ping_shows_whether_the_server_answers(
+    machine: Machine, settings: OpenSettings, server: str, mode: int, status: str
+) -> None:
     program, window = settings(server, "70000", mode)
     window.click("TestButton")
     window.wait_until(lambda: window.status() != "unknown", "result of the test")
     assert window.status() == status
-    assert quit_and_read_journal(machine, program, window) == LOGIN + ping(server)
+    assert quit_and_read_journal(machine, program, window) == LOGIN + ping("alice", server)
     assert program.output.startswith("0\n")
 
 
 @pytest.mark.parametrize("server", ["127.0.0.1", "::1"])
-def test_the_port_test_tells_a_closed_port_from_a_listening_one(machine, settings, server):
+def test_the_port_test_tells_a_closed_port_from_a_listening_one(
+    machine: Machine, settings: OpenSettings, server: str
+) -> None:
     with listen(server) as listener:
         port = listener.getsockname()[1]
-        program, window = settings(server, port, test=PORT)
+        program, window = settings(server, str(port), test=PORT)
         window.click("TestButton")
         window.wait_until(lambda: window.status() == "reachable", "success of the test")
     window.click("TestButton")
     window.wait_until(lambda: window.status() == "unreachable", "failure of the test")
     journal = quit_and_read_journal(machine, program, window)
-    assert journal == LOGIN + nc(server, port) + nc(server, port)
+    assert journal == LOGIN + port_test("alice", server, port) + port_test("alice", server, port)
     assert [line for line in program.output.splitlines() if line.isdecimal()] == ["1", "1"]
 
 
-def test_port_0_is_tried(machine, settings):
+def test_port_0_is_tried(machine: Machine, settings: OpenSettings) -> None:
     program, window = settings(port="0", test=PORT)
     window.click("TestButton")
     window.wait_until(lambda: window.status() == "unreachable", "failure of the test")
-    assert quit_and_read_journal(machine, program, window) == LOGIN + nc("192.0.2.10", 0)
+    assert quit_and_read_journal(machine, program, window) == LOGIN + port_test("alice", "192.0.2.10", 0)
 
 
-def test_blanks_around_the_server_are_removed_before_the_test(machine, settings):
+def test_spaces_around_the_server_are_removed_before_the_test(
+    machine: Machine, settings: OpenSettings
+) -> None:
     program, window = settings()
     window.fill("servername", " ::1  ")
     window.click("TestButton")
     window.wait_until(lambda: window.status() == "reachable", "success of the test")
-    assert quit_and_read_journal(machine, program, window) == LOGIN + ping("::1")
+    assert quit_and_read_journal(machine, program, window) == LOGIN + ping("alice", "::1")
 
 
-def test_a_host_name_in_address_mode_is_removed_and_nothing_is_tried(machine, settings):
+def test_a_host_name_in_address_mode_is_removed_and_nothing_is_tried(
+    machine: Machine, settings: OpenSettings
+) -> None:
     program, window = settings("fileserver")
     window.click("TestButton")
     window.wait_until(lambda: window.is_empty("servername"), "server removed")
@@ -106,19 +107,23 @@ def test_a_host_name_in_address_mode_is_removed_and_nothing_is_tried(machine, se
 
 
 @pytest.mark.parametrize("port", ["70000", "-1", ""])
-def test_the_port_test_replaces_what_is_no_port_and_the_next_one_uses_it(machine, settings, port):
+def test_the_port_test_replaces_an_invalid_port_and_the_next_one_uses_it(
+    machine: Machine, settings: OpenSettings, port: str
+) -> None:
     program, window = settings(test=PORT)
     window.fill("port", port)
     window.click("TestButton")
     window.click("TestButton")
     window.wait_until(lambda: window.status() == "unreachable", "failure of the test")
-    assert quit_and_read_journal(machine, program, window) == LOGIN + nc("192.0.2.10", 6000)
+    assert quit_and_read_journal(machine, program, window) == LOGIN + port_test("alice", "192.0.2.10", 6000)
     assert [line for line in program.output.splitlines() if line.isdecimal()] == ["1", "1"]
 
 
 @pytest.mark.parametrize("mode", [IP_ADDRESS, HOST_NAME])
 @pytest.mark.parametrize("button", ["TestButton", "Apply_button"])
-def test_without_a_server_nothing_happens(machine, settings, mode, button):
+def test_without_a_server_nothing_happens(
+    machine: Machine, settings: OpenSettings, mode: int, button: str
+) -> None:
     program, window = settings("", mode=mode)
     before = SERVER_PLIST.read_bytes()
     window.click(button)
@@ -126,7 +131,9 @@ def test_without_a_server_nothing_happens(machine, settings, mode, button):
     assert SERVER_PLIST.read_bytes() == before
 
 
-def test_apply_removes_a_host_name_in_address_mode_and_changes_nothing_else(machine, settings):
+def test_apply_removes_a_host_name_in_address_mode_and_changes_nothing_else(
+    machine: Machine, settings: OpenSettings
+) -> None:
     program, window = settings("fileserver")
     before = SERVER_PLIST.read_bytes()
     window.click("Apply_button")
@@ -136,16 +143,16 @@ def test_apply_removes_a_host_name_in_address_mode_and_changes_nothing_else(mach
 
 
 @pytest.mark.parametrize("port", ["65536", "port", ""])
-def test_apply_replaces_what_is_no_port_and_stops_and_a_second_apply_goes_through(
-    machine, settings, port
-):
+def test_apply_replaces_an_invalid_port_and_stops_and_a_second_apply_goes_through(
+    machine: Machine, settings: OpenSettings, port: str
+) -> None:
     program, window = settings(port="4000")
     before = SERVER_PLIST.read_bytes()
     window.fill("port", port)
     window.click("Apply_button")
     window.click("TestButton")
     window.wait_until(lambda: window.status() == "reachable", "success of the test")
-    assert machine.journal() == LOGIN + ping("192.0.2.10")
+    assert machine.journal() == LOGIN + ping("alice", "192.0.2.10")
     assert SERVER_PLIST.read_bytes() == before
     window.press("Return")
     assert program.wait() == 0
@@ -153,7 +160,7 @@ def test_apply_replaces_what_is_no_port_and_stops_and_a_second_apply_goes_throug
 
 
 @pytest.mark.parametrize("port", ["6000 ", " 0", "+80", "-0", "65535"])
-def test_apply_trims_and_accepts_every_form_of_a_port(settings, port):
+def test_apply_trims_and_accepts_every_form_of_a_port(settings: OpenSettings, port: str) -> None:
     program, window = settings()
     window.fill("port", port)
     window.press("Return")
@@ -162,7 +169,7 @@ def test_apply_trims_and_accepts_every_form_of_a_port(settings, port):
 
 
 @pytest.mark.parametrize("server", ["fileserver", "a<b>&c"])
-def test_apply_stores_a_host_name_as_it_is(settings, server):
+def test_apply_stores_a_host_name_as_it_is(settings: OpenSettings, server: str) -> None:
     program, window = settings(mode=HOST_NAME)
     window.fill("servername", server)
     window.click("Apply_button")

@@ -6,23 +6,25 @@ import re
 import signal
 import subprocess
 import time
+from collections.abc import Callable, Iterator
 from pathlib import Path
 
 import pytest
-from expected_commands import server_plist
-from driver.machine import PREFERENCES, SERVER_PLIST
-from driver.program import Program
+from apply_model import NOISE, ApplyModel, Place
+from driver.machine import PREFERENCES, SERVER_PLIST, Machine
+from driver.program import Program, Window
 from driver.waiting import wait_until
-from apply_model import ALICE, NOISE, Place, ApplyModel
+from expected_commands import ALICE, server_plist
 
 pytest.register_assert_rewrite("faults")
 
-from faults import CLEAN, COMMANDS, NEW, OLD, Ready, after_apply, entries
+from faults import CLEAN, COMMANDS, NEW, OLD, Ready, Start, after_apply, entries
 
 LAST_BEFORE_FILE = CLEAN.shells_before_file - 1
 ELSEWHERE = PREFERENCES.parent / "elsewhere"
 PAGE = os.sysconf("SC_PAGE_SIZE")
 HANG = 3
+Tried = Callable[[object], None]
 
 
 def place_name(place: Place) -> str:
@@ -35,9 +37,9 @@ def other_files() -> list[str]:
 
 
 @pytest.fixture(scope="session")
-def tried(request):
-    """Notes the faults that were tried; prints how many."""
-    faults = []
+def tried(request: pytest.FixtureRequest) -> Iterator[Tried]:
+    """Collects the faults that were tried; prints how many."""
+    faults: list[object] = []
     yield faults.append
     capture = request.config.pluginmanager.get_plugin("capturemanager")
     with capture.global_and_fixture_disabled():
@@ -45,7 +47,7 @@ def tried(request):
 
 
 @pytest.fixture
-def ready(machine, start):
+def ready(machine: Machine, start: Start) -> Ready:
     return Ready(machine, start)
 
 
@@ -55,7 +57,7 @@ each_shell = pytest.mark.parametrize(
 )
 
 
-def test_the_matrix_has_all_commands():
+def test_the_matrix_has_all_commands() -> None:
     assert len(CLEAN.shells) == 14
     assert len(COMMANDS) == len(CLEAN.journal) == 57
 
@@ -66,7 +68,9 @@ def test_the_matrix_has_all_commands():
     [{"exit": 1}, {"signal": signal.SIGTERM}, {"signal": signal.SIGKILL}],
     ids=["exit", "SIGTERM", "SIGKILL"],
 )
-def test_a_command_that_ends_early_costs_no_other_step(ready, tried, place, fault):
+def test_a_command_that_ends_early_costs_no_other_step(
+    ready: Ready, tried: Tried, place: Place, fault: dict[str, int]
+) -> None:
     ready.add_fault(place, **fault)
     ready.apply()
     ready.check_end(ApplyModel(place, ends=True))
@@ -77,7 +81,7 @@ def test_a_command_that_ends_early_costs_no_other_step(ready, tried, place, faul
 
 
 @each_command
-def test_a_noisy_command_blocks_nothing(ready, tried, place):
+def test_a_noisy_command_blocks_nothing(ready: Ready, tried: Tried, place: Place) -> None:
     ready.add_fault(place, stderr=len(NOISE))
     ready.apply()
     ready.check_end(ApplyModel(place, noisy=True))
@@ -88,7 +92,7 @@ def test_a_noisy_command_blocks_nothing(ready, tried, place):
 
 
 @pytest.mark.parametrize("number", sorted({place.command for place in COMMANDS}))
-def test_hanging_commands_are_waited_for(ready, tried, number):
+def test_hanging_commands_are_waited_for(ready: Ready, tried: Tried, number: int) -> None:
     # One command of each shell in turn, which leaves the others as they are.
     places = [place for place in COMMANDS if place.command == number]
     for place in places:
@@ -109,7 +113,9 @@ def test_hanging_commands_are_waited_for(ready, tried, number):
 
 
 @each_shell
-def test_when_it_is_killed_the_running_shell_is_the_last_one(ready, tried, place):
+def test_when_it_is_killed_the_running_shell_is_the_last_one(
+    ready: Ready, tried: Tried, place: Place
+) -> None:
     ready.add_fault(place, signal=signal.SIGSTOP)
     ready.apply()
     child = wait_until(ready.stopped_child, "stopped shell")
@@ -134,12 +140,15 @@ def trace_file_accesses(ready: Ready, *options: str) -> list[str]:
     with subprocess.Popen(
         command, stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True
     ) as tracer:
+        assert tracer.stderr is not None
         assert "attached" in tracer.stderr.readline()
         os.kill(child, signal.SIGCONT)
         return re.findall(r"^(\w+)\(", tracer.stderr.read(), re.MULTILINE)
 
 
-def test_when_it_is_killed_while_it_writes_the_file_is_whole(ready, machine, start, tried):
+def test_when_it_is_killed_while_it_writes_the_file_is_whole(
+    ready: Ready, machine: Machine, start: Start, tried: Tried
+) -> None:
     calls = trace_file_accesses(ready)
     ready.check_end()
     for i, call in enumerate(calls):
@@ -163,92 +172,92 @@ def test_when_it_is_killed_while_it_writes_the_file_is_whole(ready, machine, sta
 
 
 def mount(*options: str) -> None:
-    """Puts a file system of its own, with the old file, in the place of the folder."""
-    options = ",".join(("mode=775", f"gid={PREFERENCES.stat().st_gid}", *options))
-    subprocess.run(["mount", "-t", "tmpfs", "-o", options, "faults", PREFERENCES], check=True)
+    """Mounts a file system of its own, with the old file, over the folder."""
+    listed = ",".join(("mode=775", f"gid={PREFERENCES.stat().st_gid}", *options))
+    subprocess.run(["mount", "-t", "tmpfs", "-o", listed, "faults", PREFERENCES], check=True)
     SERVER_PLIST.write_bytes(OLD)
     os.chown(SERVER_PLIST, ALICE.uid, -1)
 
 
 @pytest.fixture
-def restored():
+def restored() -> Iterator[None]:
     """Makes the folder an ordinary one again."""
     yield
     subprocess.run(["umount", PREFERENCES], stderr=subprocess.DEVNULL, check=False)
     subprocess.run(["rm", "-rf", PREFERENCES, ELSEWHERE], check=True)
 
 
-def folder_missing():
+def folder_missing() -> None:
     SERVER_PLIST.unlink()
     PREFERENCES.rmdir()
 
 
-def folder_read_only():
+def folder_read_only() -> None:
     PREFERENCES.chmod(0o555)
 
 
-def folder_on_read_only_volume():
+def folder_on_read_only_volume() -> None:
     mount()
     subprocess.run(["mount", "-o", "remount,ro", PREFERENCES], check=True)
 
 
-def folder_linked():
+def folder_linked() -> None:
     PREFERENCES.rename(ELSEWHERE)
     PREFERENCES.symlink_to(ELSEWHERE)
 
 
-def folder_linked_to_nothing():
+def folder_linked_to_nothing() -> None:
     folder_missing()
     PREFERENCES.symlink_to(ELSEWHERE)
 
 
-def folder_is_a_file():
+def folder_is_a_file() -> None:
     folder_missing()
     PREFERENCES.touch()
 
 
-def file_missing():
+def file_missing() -> None:
     SERVER_PLIST.unlink()
 
 
-def file_present():
+def file_present() -> None:
     assert SERVER_PLIST.read_bytes() == OLD
 
 
-def file_read_only():
+def file_read_only() -> None:
     SERVER_PLIST.chmod(0o444)
 
 
-def file_of_root():
+def file_of_root() -> None:
     os.chown(SERVER_PLIST, 0, 0)
     SERVER_PLIST.chmod(0o600)
 
 
-def file_with_a_second_name():
+def file_with_a_second_name() -> None:
     ELSEWHERE.hardlink_to(SERVER_PLIST)
 
 
-def file_linked():
+def file_linked() -> None:
     SERVER_PLIST.rename(ELSEWHERE)
     SERVER_PLIST.symlink_to(ELSEWHERE)
 
 
-def file_linked_to_nothing():
+def file_linked_to_nothing() -> None:
     SERVER_PLIST.unlink()
     SERVER_PLIST.symlink_to(ELSEWHERE)
 
 
-def file_is_a_folder():
+def file_is_a_folder() -> None:
     SERVER_PLIST.unlink()
     SERVER_PLIST.mkdir()
 
 
-def file_is_a_folder_with_content():
+def file_is_a_folder_with_content() -> None:
     file_is_a_folder()
     (SERVER_PLIST / "content").touch()
 
 
-RESULTS = {
+RESULTS: dict[Callable[[], None], str | int] = {
     folder_missing: "No such file or directory",
     folder_read_only: "Permission denied",
     folder_on_read_only_volume: "Read-only file system",
@@ -270,7 +279,9 @@ RESULTS = {
 @pytest.mark.parametrize(
     ("disturb", "result"), RESULTS.items(), ids=[disturb.__name__ for disturb in RESULTS]
 )
-def test_the_file_is_new_or_nothing_has_changed(ready, restored, tried, disturb, result):
+def test_the_file_is_new_or_nothing_has_changed(
+    ready: Ready, restored: None, tried: Tried, disturb: Callable[[], None], result: str | int
+) -> None:
     disturb()
     before = entries()
     ready.apply()
@@ -289,10 +300,17 @@ def test_the_file_is_new_or_nothing_has_changed(ready, restored, tried, disturb,
     ids=["full", "room_for_a_third", "room_for_two_thirds", "no_room_for_a_name", "room"],
 )
 def test_a_file_that_does_not_fit_is_not_begun(
-    machine, start, restored, tried, monkeypatch, pages, names, fits
-):
+    machine: Machine,
+    start: Start,
+    restored: None,
+    tried: Tried,
+    monkeypatch: pytest.MonkeyPatch,
+    pages: int,
+    names: int,
+    fits: bool,
+) -> None:
     # The window is there when its field is white, which no field with so long a text is.
-    def settings_window(program):
+    def settings_window(program: Program) -> Window:
         return program.window("ServerWindowController", "port")
 
     monkeypatch.setattr(Program, "settings_window", settings_window)

@@ -1,21 +1,28 @@
 """From the start of the program to the settings window, and out again."""
 
+import functools
 import shutil
 import signal
 
+from collections.abc import Callable
+
 import pytest
-from expected_commands import profile_check
+from driver.display import Display
 from driver.editions import EDITIONS
-from driver.machine import ACCOUNTS
+from driver.machine import ACCOUNTS, Machine
+from driver.program import Program
+from expected_commands import profile_check
+
+Start = Callable[..., Program]
 
 every_edition = pytest.mark.parametrize("edition", EDITIONS)
 
 
 @every_edition
 @pytest.mark.parametrize("key", ["Return", "space"])
-def test_a_user_who_is_no_administrator_is_refused_before_anything_happens(
-    machine, start, display, edition, key
-):
+def test_a_user_who_is_not_an_administrator_is_refused_before_anything_happens(
+    machine: Machine, start: Start, display: Display, edition: str, key: str
+) -> None:
     program = start(edition=edition, user="carol")
     program.wait_for_alert()
     display.xdotool("key", key)
@@ -26,8 +33,8 @@ def test_a_user_who_is_no_administrator_is_refused_before_anything_happens(
 
 @every_edition
 def test_an_administrator_logs_in_and_quits_and_only_the_profile_is_asked_for(
-    machine, start, edition
-):
+    machine: Machine, start: Start, edition: str
+) -> None:
     program = start(edition=edition, user="bob")
     window = program.log_in("bob", "bob-pw")
     window.click("Quit_button")
@@ -37,7 +44,9 @@ def test_an_administrator_logs_in_and_quits_and_only_the_profile_is_asked_for(
     assert program.output == ""
 
 
-def test_quit_in_the_login_window_ends_the_program_and_nothing_has_run(machine, start):
+def test_quit_in_the_login_window_ends_the_program_and_nothing_has_run(
+    machine: Machine, start: Start
+) -> None:
     program = start()
     program.login_window().click("QuitButton")
     assert program.wait() == 0
@@ -54,12 +63,12 @@ def test_quit_in_the_login_window_ends_the_program_and_nothing_has_run(machine, 
         ("nobody1", "alice-pw"),
         ("carol", "carol-pw"),
     ],
-    ids=["wrong", "with a blank", "no password", "no name", "unknown name", "no administrator"],
+    ids=["wrong", "with a space", "no password", "no name", "unknown name", "not an administrator"],
 )
 @pytest.mark.parametrize("button", [False, True], ids=["Return", "OK"])
 def test_a_refused_login_empties_both_fields_and_a_right_one_may_follow(
-    machine, start, user, password, button
-):
+    machine: Machine, start: Start, user: str, password: str, button: bool
+) -> None:
     program = start()
     window = program.login_window()
     window.click("username")
@@ -68,13 +77,13 @@ def test_a_refused_login_empties_both_fields_and_a_right_one_may_follow(
     window.type(password)
     typed = [field for field, text in [("username", user), ("password", password)] if text]
     for field in typed:
-        window.wait_until(lambda f=field: not window.is_empty(f), f"text in {field}")
+        window.wait_until(functools.partial(window.shows_text, field), f"text in {field}")
     if button:
         window.click("OkButton")
     else:
         window.press("Return")
     for field in typed:
-        window.wait_until(lambda f=field: window.is_empty(f), f"{field} emptied")
+        window.wait_until(functools.partial(window.is_empty, field), f"{field} emptied")
     # The keyboard is back in an empty name field: a right login is typed without a click.
     window.type("alice")
     window.press("Tab")
@@ -85,7 +94,9 @@ def test_a_refused_login_empties_both_fields_and_a_right_one_may_follow(
     assert machine.journal() == profile_check("alice", ACCOUNTS["alice"], EDITIONS["Zentavo"])
 
 
-def test_another_administrator_may_log_in_but_sudo_wants_the_runners_own_password(machine, start):
+def test_another_administrator_may_log_in_but_sudo_wants_the_runners_own_password(
+    machine: Machine, start: Start
+) -> None:
     machine.install_profiles(EDITIONS["Zentavo"].profile)
     program = start()
     program.log_in("bob", "bob-pw").click("Quit_button")
@@ -93,12 +104,30 @@ def test_another_administrator_may_log_in_but_sudo_wants_the_runners_own_passwor
     assert machine.journal() == profile_check("alice", ACCOUNTS["bob"], EDITIONS["Zentavo"])
 
 
-def test_a_program_without_its_interface_file_says_so_and_stops(machine, start):
-    program = EDITIONS["Zentavo"].program
-    torn = program.parent.with_name("Torn.app")
-    shutil.copytree(program.parent, torn)
+def test_profiles_that_answer_in_another_encoding_stop_the_program_without_its_secrets(
+    machine: Machine, start: Start
+) -> None:
+    machine.add_fault("profiles", prints=b"\xe9\n")
+    program = start()
+    window = program.login_window()
+    window.type("alice")
+    window.press("Tab")
+    window.type("alice-pw")
+    window.press("Return")
+    assert program.wait() == -signal.SIGABRT
+    # That no password is printed is checked for every program; here the whole line is known.
+    assert program.errors.splitlines()[-1] == "fatal error: output of /bin/sh is not UTF-8"
+    assert "sudo" not in program.errors
+
+
+def test_a_program_without_its_interface_file_says_so_and_stops(
+    machine: Machine, start: Start
+) -> None:
+    executable = EDITIONS["Zentavo"].program
+    torn = executable.parent.with_name("Torn.app")
+    shutil.copytree(executable.parent, torn)
     (torn / "Resources/MainMenu.xib").unlink()
-    program = start(executable=torn / program.name)
+    program = start(executable=torn / executable.name)
     assert program.wait() == -signal.SIGABRT
     assert "fatal error: interface file MainMenu cannot be loaded from the bundle" in program.errors
     assert machine.journal() == []

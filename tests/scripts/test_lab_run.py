@@ -91,20 +91,22 @@ def root():
     assert os.geteuid() == 0, "these tests need root: sudo /usr/bin/python3 -m pytest ..."
 
 
-def test_exit_status_and_streams_of_the_command_are_passed_on():
+def test_exit_status_and_streams_of_the_command_are_passed_on() -> None:
     result = lab("/bin/bash", "-c", "echo out; echo err >&2; exit 42")
     assert (result.returncode, result.stdout, result.stderr) == (42, "out\n", "err\n")
     assert lab("true").returncode == 0
     assert lab("no-such-command").returncode == 127
 
 
-def test_the_command_reads_standard_input():
+def test_the_command_reads_standard_input() -> None:
     command = [*RUN, "cat"]
     result = subprocess.run(command, input=b"text\n", capture_output=True, check=True, timeout=60)
     assert result.stdout == b"text\n"
 
 
-def test_sources_cannot_be_changed_from_inside_and_results_can_be_left_in_the_build_folder():
+def test_sources_cannot_be_changed_from_inside_and_results_can_be_left_in_the_build_folder(
+    
+) -> None:
     name = f"lab-{uuid.uuid4()}"
     result = lab("/bin/bash", "-c", f"touch '{LAB}/{name}' || touch '{BUILD}/{name}'")
     assert "Read-only file system" in result.stderr
@@ -112,7 +114,7 @@ def test_sources_cannot_be_changed_from_inside_and_results_can_be_left_in_the_bu
     (BUILD / name).unlink()
 
 
-def test_nothing_is_left_after_a_normal_end(trace):
+def test_nothing_is_left_after_a_normal_end(trace: Trace) -> None:
     result = lab("/bin/bash", "-c", f"{CHANGES} exit 3", env=trace.environment)
     assert result.returncode == 3, result.stderr
     trace.check()
@@ -128,7 +130,9 @@ def test_nothing_is_left_after_a_normal_end(trace):
     ],
     ids=["Ctrl-C", "SIGTERM", "closed terminal", "SIGKILL"],
 )
-def test_nothing_is_left_after_an_interruption(trace, number, whole_group, status):
+def test_nothing_is_left_after_an_interruption(
+    trace: Trace, number: int, whole_group: bool, status: int
+) -> None:
     process = subprocess.Popen(
         [*RUN, "/bin/bash", "-c", STUBBORN],
         stdin=subprocess.DEVNULL,
@@ -149,7 +153,7 @@ def test_nothing_is_left_after_an_interruption(trace, number, whole_group, statu
         process.stdout.close()
 
 
-def test_other_file_systems_of_this_machine_are_there_and_stay_unchanged(trace):
+def test_other_file_systems_of_this_machine_are_there_and_stay_unchanged(trace: Trace) -> None:
     mounted = 'mount --bind /usr /usr; mount --bind /etc/hostname /etc/hostname; exec "$@"'
     command = ["unshare", "--mount", "/bin/bash", "-c", mounted, "-", *RUN, "/bin/bash", "-c"]
     result = subprocess.run(
@@ -164,7 +168,7 @@ def test_other_file_systems_of_this_machine_are_there_and_stay_unchanged(trace):
     trace.check()
 
 
-def test_without_root_and_sudo_one_line_says_so():
+def test_without_root_and_sudo_one_line_says_so() -> None:
     # An ordinary user cannot read sources below a private home: inside a lab they can be moved.
     script = f'cp -R "{LAB}" /opt/; rm /usr/bin/sudo; exec /opt/lab/login carol /opt/lab/run true'
     result = lab("/bin/bash", "-c", script)
@@ -172,7 +176,7 @@ def test_without_root_and_sudo_one_line_says_so():
     assert result.stderr == "lab: needs root, and there is no sudo to get it\n"
 
 
-def test_where_namespaces_are_not_allowed_one_line_says_so():
+def test_where_namespaces_are_not_allowed_one_line_says_so() -> None:
     limited = ["setpriv", "--bounding-set=-sys_admin", "--inh-caps=-sys_admin", *RUN, "true"]
     result = subprocess.run(limited, capture_output=True, text=True, check=False, timeout=60)
     assert result.returncode == 1
@@ -181,7 +185,7 @@ def test_where_namespaces_are_not_allowed_one_line_says_so():
     )
 
 
-def test_a_lab_within_a_lab_works_and_where_overlays_are_refused_one_line_says_so():
+def test_a_lab_within_a_lab_works_and_where_overlays_are_refused_one_line_says_so() -> None:
     result = lab(*RUN, "hostname")
     assert (result.returncode, result.stdout, result.stderr) == (0, "lab-mac\n", "")
     # Linux stacks two overlays, not three.
@@ -190,14 +194,16 @@ def test_a_lab_within_a_lab_works_and_where_overlays_are_refused_one_line_says_s
     assert "lab: cannot mount an overlay over the running system\n" in result.stderr
 
 
-def test_a_missing_shim_is_named(tmp_path):
+def test_a_missing_shim_is_named(tmp_path: Path) -> None:
     command = [LAB / "run", "--build", tmp_path, "true"]
     result = subprocess.run(command, capture_output=True, text=True, check=False, timeout=60)
     assert result.returncode == 1
     assert result.stderr == f"lab: {tmp_path}/lab/lab_intercept is missing: build the program first\n"
 
 
-def test_an_ordinary_user_gets_root_through_sudo_and_housekeeping_stays_out_of_the_journal():
+def test_an_ordinary_user_gets_root_through_sudo_and_housekeeping_stays_out_of_the_journal(
+    
+) -> None:
     script = f"""
         cp -R "{LAB}" /opt/
         sed -i '/%admin/s/ALL$/NOPASSWD: ALL/' /etc/sudoers
@@ -208,7 +214,7 @@ def test_an_ordinary_user_gets_root_through_sudo_and_housekeeping_stays_out_of_t
     assert (result.returncode, result.stdout, result.stderr) == (0, "0\n", "")
 
 
-def test_programs_in_the_lab_reach_the_display_only_when_asked_to():
+def test_programs_in_the_lab_reach_the_display_only_when_asked_to() -> None:
     reading, writing = os.pipe()
     server = subprocess.Popen(
         ["Xvfb", "-displayfd", str(writing), "-nolisten", "tcp"],
