@@ -12,7 +12,10 @@ import subprocess
 import sys
 import tempfile
 import time
+from collections.abc import Callable
+from functools import partial
 from pathlib import Path
+from typing import TypeVar
 
 from expected_commands import server_plist
 from driver.interface import Interface
@@ -24,6 +27,7 @@ from driver.program import Program
 from observer import IN_MODIFY, IN_OPEN, FileWatch, Observer, end_of
 from table import print_table
 
+Value = TypeVar("Value")
 ALICE = ACCOUNTS["alice"]
 ZENTAVO = EDITIONS["Zentavo"]
 # The program and the baselines of bench/CMakeLists.txt.
@@ -63,7 +67,7 @@ class Bench:
     def close(self) -> None:
         self.display.close()
 
-    def spawn(self, *command: object) -> subprocess.Popen:
+    def spawn(self, *command: object) -> subprocess.Popen[bytes]:
         """Starts a command directly as alice, without a wrapper process."""
         return subprocess.Popen(
             [str(word) for word in command],
@@ -93,9 +97,9 @@ class Bench:
         assert sorted(file.name for file in ZENTAVO.settings.iterdir()) == ["daemon.settings.xml"]
 
 
-def alternately(runs: int, measures: dict) -> dict[str, list]:
+def alternately(runs: int, measures: dict[str, Callable[[], Value]]) -> dict[str, list[Value]]:
     """Calls all measures `runs` times, in alternating order, after one run to warm up."""
-    results = {name: [] for name in measures}
+    results: dict[str, list[Value]] = {name: [] for name in measures}
     order = list(measures)
     for i in range(runs + 1):
         for name in order:
@@ -108,17 +112,20 @@ def alternately(runs: int, measures: dict) -> dict[str, list]:
 
 def memory(pid: int) -> tuple[int, int]:
     """Peak memory of a process and the pages that it has written, in kB."""
-    status = Path(f"/proc/{pid}/status").read_text()
-    rollup = Path(f"/proc/{pid}/smaps_rollup").read_text()
-    peak = int(re.search(r"^VmHWM:\s+(\d+)", status, re.MULTILINE)[1])
-    private = int(re.search(r"^Private_Dirty:\s+(\d+)", rollup, re.MULTILINE)[1])
-    return peak, private
+
+    def value(file: str, name: str) -> int:
+        text = Path(f"/proc/{pid}/{file}").read_text()
+        return int(re.findall(rf"^{name}:\s+(\d+)", text, re.MULTILINE)[0])
+
+    return value("status", "VmHWM"), value("smaps_rollup", "Private_Dirty")
 
 
-def measure_start(bench: Bench, runs: int) -> tuple[dict, dict]:
+def measure_start(
+    bench: Bench, runs: int
+) -> tuple[dict[str, list[float]], dict[str, list[tuple[int, int]]]]:
     """Seconds from the start to the mapped window; memory once the program is idle."""
     login = Interface("MainMenu", ZENTAVO.program.parent / "Resources")
-    used = {name: [] for name in EXECUTABLES}
+    used: dict[str, list[tuple[int, int]]] = {name: [] for name in EXECUTABLES}
 
     def start(name: str) -> float:
         bench.observer.forget()
@@ -132,7 +139,7 @@ def measure_start(bench: Bench, runs: int) -> tuple[dict, dict]:
         return shown - began
 
     bench.reset()
-    times = alternately(runs, {name: lambda name=name: start(name) for name in EXECUTABLES})
+    times = alternately(runs, {name: partial(start, name) for name in EXECUTABLES})
     return times, used
 
 

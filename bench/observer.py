@@ -17,7 +17,7 @@ ON_ERROR = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)
 
 
 @ON_ERROR
-def _ignore(_display, _error) -> int:
+def _ignore(_display: object, _error: object) -> int:
     """A window may be gone before its size is queried."""
     return 0
 

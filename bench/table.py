@@ -2,11 +2,13 @@
 
 import subprocess
 import tempfile
+from collections.abc import Callable, Mapping, Sequence
 from pathlib import Path
 from statistics import median
-from typing import NamedTuple
+from typing import Any, NamedTuple
 
 NO_LIMIT = None
+Values = Sequence[float]
 
 
 class Row(NamedTuple):
@@ -29,13 +31,21 @@ class Row(NamedTuple):
         return f"| {self.what} | {self.ours} | {self.baseline} | {self.ratio:.3f} | {limit} |"
 
 
-def median_ratio(ours: list, baseline: list) -> float:
+def median_ratio(ours: Values, baseline: Values) -> float:
     """The median of the ratios of neighbouring measurements, which a machine that slows down or speeds
     up during the run does not change."""
-    return median(one / other for one, other in zip(ours, baseline))
+    ratios: list[float] = [one / other for one, other in zip(ours, baseline)]
+    return median(ratios)
 
 
-def compare(what: str, ours: list, title: str, baseline: list, limit: float | None, unit) -> Row:
+def compare(
+    what: str,
+    ours: Values,
+    title: str,
+    baseline: Values,
+    limit: float | None,
+    unit: Callable[[float], str],
+) -> Row:
     ratio = median_ratio(ours, baseline)
     return Row(what, unit(median(ours)), f"{title}: {unit(median(baseline))}", ratio, limit)
 
@@ -52,7 +62,7 @@ def megabytes(kilobytes: float) -> str:
     return f"{kilobytes / 1024:.1f} MB"
 
 
-def command_rows(benchmarks: list[dict]) -> list[Row]:
+def command_rows(benchmarks: list[dict[str, Any]]) -> list[Row]:
     """Runs of `/bin/bash -c true`. They run in random order, so the ratio is that of the medians."""
     medians = {
         run["run_name"].split("/iterations")[0]: run["real_time"] / 1e9
@@ -73,7 +83,9 @@ def command_rows(benchmarks: list[dict]) -> list[Row]:
     return rows
 
 
-def start_rows(start: dict, used: dict) -> list[Row]:
+def start_rows(
+    start: Mapping[str, Values], used: Mapping[str, Sequence[tuple[int, int]]]
+) -> list[Row]:
     rows = []
     for title, limit in (("One Window", 1.10), ("No Menu", NO_LIMIT), ("Code Window", NO_LIMIT)):
         what, baseline = "start to login window", start[title]
@@ -84,7 +96,7 @@ def start_rows(start: dict, used: dict) -> list[Row]:
     return rows
 
 
-def apply_rows(applied: dict) -> list[Row]:
+def apply_rows(applied: Mapping[str, Values]) -> list[Row]:
     what, ours = "Apply, click to exit", applied["ours"]
     shells, plain = applied["shells"], applied["plain"]
     quit_rows = applied["quit"], "empty script", applied["empty"]
@@ -113,7 +125,14 @@ def size_rows(ours: Path, baseline: Path) -> list[Row]:
     return [compare(what, [a], baseline.name, [b], NO_LIMIT, kilobytes) for what, a, b in rows]
 
 
-def print_table(executables, commands, start, used, login, applied) -> bool:
+def print_table(
+    executables: Mapping[str, Path],
+    commands: list[dict[str, Any]],
+    start: Mapping[str, Values],
+    used: Mapping[str, Sequence[tuple[int, int]]],
+    login: Mapping[str, Values],
+    applied: Mapping[str, Values],
+) -> bool:
     """Whether every limit is met."""
     rows = command_rows(commands) + start_rows(start, used) + apply_rows(applied)
     rows += size_rows(executables["ours"], executables["One Window"])

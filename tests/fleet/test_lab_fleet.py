@@ -14,7 +14,7 @@ BUILD = Path(os.environ.get("LAB_BUILD", LAB.parent / "build"))
 FLEET = [str(LAB / "fleet"), "--build", str(BUILD)]
 
 
-def fleet(*arguments: str, environment: dict[str, str] | None = None) -> subprocess.CompletedProcess:
+def fleet(*arguments: str, environment: dict[str, str] | None = None) -> subprocess.CompletedProcess[str]:
     """Runs lab/fleet to its end."""
     return subprocess.run(
         [*FLEET, *arguments],
@@ -27,9 +27,9 @@ def fleet(*arguments: str, environment: dict[str, str] | None = None) -> subproc
     )
 
 
-def in_lab(script: str) -> subprocess.CompletedProcess:
+def in_lab(script: str) -> subprocess.CompletedProcess[str]:
     """Runs a script in a single lab."""
-    command = [LAB / "run", "--build", BUILD, "--", "/bin/bash", "-c", script]
+    command = [str(LAB / "run"), "--build", str(BUILD), "--", "/bin/bash", "-c", script]
     return subprocess.run(command, capture_output=True, text=True, check=False, timeout=60)
 
 
@@ -79,7 +79,7 @@ def root() -> None:
     assert os.geteuid() == 0, "these tests need root: sudo /usr/bin/python3 -m pytest ..."
 
 
-def test_each_machine_has_its_own_address_and_state_and_takes_the_administrators_ssh(trace: Trace):
+def test_each_machine_has_its_own_address_and_state_and_takes_the_administrators_ssh(trace: Trace) -> None:
     script = """
         for mac in mac1 mac2 mac3; do
           ssh alice@$mac 'ip -brief -4 address show eth0 | grep -o "[0-9.]*/24"; id -un; mkdir /tmp/own; ls -d /tmp/own'
@@ -92,7 +92,7 @@ def test_each_machine_has_its_own_address_and_state_and_takes_the_administrators
     trace.check()
 
 
-def test_the_administrator_becomes_root_with_the_password_only():
+def test_the_administrator_becomes_root_with_the_password_only() -> None:
     script = """
         ssh alice@mac1 sudo -n id -u || echo refused
         ssh alice@mac1 sudo -S -p prompt id -u <<< alice-pw
@@ -101,7 +101,7 @@ def test_the_administrator_becomes_root_with_the_password_only():
     assert result.stdout == "refused\n0\n", result.stderr
 
 
-def test_machines_reach_each_other_and_nothing_outside():
+def test_machines_reach_each_other_and_nothing_outside() -> None:
     script = """
         ssh alice@mac1 'nc -z -w 2 198.51.100.2 22 && echo neighbour; ip route'
         ip -brief link | cut -d" " -f1 | cut -d@ -f1 | sort | tr "\\n" " "
@@ -112,7 +112,7 @@ def test_machines_reach_each_other_and_nothing_outside():
     assert result.stdout.endswith("fleet lo mac1 mac2 "), result.stdout
 
 
-def test_standard_input_and_the_exit_status_of_the_command_are_passed_on():
+def test_standard_input_and_the_exit_status_of_the_command_are_passed_on() -> None:
     result = subprocess.run(
         [*FLEET, "1", "/bin/bash", "-c", "cat; exit 42"],
         input="text\n",
@@ -125,25 +125,25 @@ def test_standard_input_and_the_exit_status_of_the_command_are_passed_on():
 
 
 @pytest.mark.parametrize("count", ["0", "201", "-1", "x", "1x", ""])
-def test_a_number_of_machines_that_is_not_from_1_to_200_gets_the_usage(count: str):
+def test_a_number_of_machines_that_is_not_from_1_to_200_gets_the_usage(count: str) -> None:
     result = fleet(count, "--", "true")
     assert result.returncode == 2
     assert "usage: lab/fleet" in result.stderr
 
 
-def test_no_command_gets_the_usage():
+def test_no_command_gets_the_usage() -> None:
     assert fleet("1").returncode == 2
     assert fleet().returncode == 2
 
 
-def test_a_machine_that_does_not_start_is_named():
+def test_a_machine_that_does_not_start_is_named() -> None:
     result = in_lab(f'cp /bin/false /usr/sbin/sshd; exec "{LAB}/fleet" --build "{BUILD}" 1 -- echo ran')
     assert result.returncode == 1
     assert result.stdout == ""
     assert result.stderr.startswith("lab: mac1 ended"), result.stderr
 
 
-def test_a_missing_sshd_is_named():
+def test_a_missing_sshd_is_named() -> None:
     result = in_lab(f'rm /usr/sbin/sshd; exec "{LAB}/fleet" --build "{BUILD}" 1 -- true')
     assert (result.returncode, result.stderr) == (
         1,
@@ -164,7 +164,7 @@ def test_a_missing_sshd_is_named():
 @pytest.mark.parametrize("ready", [True, False], ids=["while it runs", "while it starts"])
 def test_nothing_is_left_after_an_interruption(
     trace: Trace, number: int, whole_group: bool, status: int, ready: bool
-):
+) -> None:
     process = subprocess.Popen(
         [*FLEET, "3", "--", "/bin/bash", "-c", "(setsid sleep 1000 &); echo ready; sleep 1000"],
         stdin=subprocess.DEVNULL,
@@ -173,6 +173,7 @@ def test_nothing_is_left_after_an_interruption(
         start_new_session=True,
     )
     try:
+        assert process.stdout is not None
         if ready:
             assert process.stdout.readline() == b"ready\n"
         wait_until(lambda: any("fleet-machine" in line for line in running(trace.mark)), "machines")
@@ -182,5 +183,4 @@ def test_nothing_is_left_after_an_interruption(
         trace.check()
     finally:
         process.kill()
-        process.wait()
-        process.stdout.close()
+        process.communicate()

@@ -11,7 +11,7 @@ from driver.paths import LAB, REPOSITORY
 from driver.waiting import wait_until
 
 BUILD = Path(os.environ.get("BUILD", REPOSITORY / "build"))
-RUN = [LAB / "run", "--build", BUILD, "--"]
+RUN = [str(LAB / "run"), "--build", str(BUILD), "--"]
 CHANGES = """
     touch /dev/$MARK /etc/$MARK /run/$MARK /tmp/$MARK /usr/bin/$MARK /var/lib/$MARK ~root/$MARK
     useradd $MARK
@@ -28,13 +28,28 @@ SYSTEM = (
 )
 
 
-def lab(*command, **options):
+def run(
+    *command: str, environment: dict[str, str] | None = None
+) -> subprocess.CompletedProcess[str]:
+    return subprocess.run(
+        command,
+        env=environment,
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        text=True,
+        check=False,
+        timeout=60,
+    )
+
+
+def lab(
+    *command: str, environment: dict[str, str] | None = None
+) -> subprocess.CompletedProcess[str]:
     """Runs a command in a new lab."""
-    options = {"capture_output": True, "text": True, "timeout": 60, "check": False} | options
-    return subprocess.run([*RUN, *command], stdin=subprocess.DEVNULL, **options)
+    return run(*RUN, *command, environment=environment)
 
 
-def state(path):
+def state(path: str) -> tuple[int, ...] | None:
     """What tells whether a file was touched; None if there is none."""
     try:
         status = os.stat(path, follow_symlinks=False)
@@ -46,14 +61,14 @@ def state(path):
 class Trace:
     """A lab's mark, and what of it this machine shows."""
 
-    def __init__(self, temporary):
+    def __init__(self, temporary: Path) -> None:
         # A word that is also an account name.
         self.mark = "m" + uuid.uuid4().hex[:20]
         self.environment = os.environ | {"MARK": self.mark, "TMPDIR": str(temporary)}
         self._temporary = temporary
         self._before = self._machine()
 
-    def _machine(self):
+    def _machine(self) -> dict[str, object]:
         return {
             "mounts": Path("/proc/self/mountinfo").read_text(),
             "interfaces": sorted(os.listdir("/sys/class/net")),
@@ -62,7 +77,7 @@ class Trace:
             "system": {path: state(path) for path in SYSTEM},
         }
 
-    def check(self):
+    def check(self) -> None:
         assert running(self.mark) == []
         folders = ("/dev", "/etc", "/run", "/tmp", "/usr/bin", "/var/lib", "/root")
         assert [folder for folder in folders if Path(folder, self.mark).exists()] == []
@@ -70,11 +85,11 @@ class Trace:
 
 
 @pytest.fixture
-def trace(tmp_path):
+def trace(tmp_path: Path) -> Trace:
     return Trace(tmp_path)
 
 
-def running(marker):
+def running(marker: str) -> list[int]:
     """Ids of the processes that have the marker in their environment."""
     ids = []
     for folder in Path("/proc").glob("[0-9]*"):
@@ -87,7 +102,7 @@ def running(marker):
 
 
 @pytest.fixture(autouse=True)
-def root():
+def root() -> None:
     assert os.geteuid() == 0, "these tests need root: sudo /usr/bin/python3 -m pytest ..."
 
 
@@ -115,7 +130,7 @@ def test_sources_cannot_be_changed_from_inside_and_results_can_be_left_in_the_bu
 
 
 def test_nothing_is_left_after_a_normal_end(trace: Trace) -> None:
-    result = lab("/bin/bash", "-c", f"{CHANGES} exit 3", env=trace.environment)
+    result = lab("/bin/bash", "-c", f"{CHANGES} exit 3", environment=trace.environment)
     assert result.returncode == 3, result.stderr
     trace.check()
 
@@ -141,6 +156,7 @@ def test_nothing_is_left_after_an_interruption(
         start_new_session=True,
     )
     try:
+        assert process.stdout is not None
         assert process.stdout.readline() == b"ready\n"
         assert len(running(trace.mark)) >= 4
         (os.killpg if whole_group else os.kill)(process.pid, number)
@@ -149,21 +165,13 @@ def test_nothing_is_left_after_an_interruption(
         trace.check()
     finally:
         process.kill()
-        process.wait()
-        process.stdout.close()
+        process.communicate()
 
 
 def test_other_file_systems_of_this_machine_are_there_and_stay_unchanged(trace: Trace) -> None:
     mounted = 'mount --bind /usr /usr; mount --bind /etc/hostname /etc/hostname; exec "$@"'
     command = ["unshare", "--mount", "/bin/bash", "-c", mounted, "-", *RUN, "/bin/bash", "-c"]
-    result = subprocess.run(
-        [*command, "touch /usr/bin/$MARK && ls /usr/bin/$MARK"],
-        env=trace.environment,
-        capture_output=True,
-        text=True,
-        check=False,
-        timeout=60,
-    )
+    result = run(*command, "touch /usr/bin/$MARK && ls /usr/bin/$MARK", environment=trace.environment)
     assert (result.returncode, result.stdout) == (0, f"/usr/bin/{trace.mark}\n"), result.stderr
     trace.check()
 
@@ -178,7 +186,7 @@ def test_without_root_and_sudo_one_line_says_so() -> None:
 
 def test_where_namespaces_are_not_allowed_one_line_says_so() -> None:
     limited = ["setpriv", "--bounding-set=-sys_admin", "--inh-caps=-sys_admin", *RUN, "true"]
-    result = subprocess.run(limited, capture_output=True, text=True, check=False, timeout=60)
+    result = run(*limited)
     assert result.returncode == 1
     assert result.stderr == (
         "lab: this machine does not allow new mount, process and network namespaces\n"
@@ -195,8 +203,7 @@ def test_a_lab_within_a_lab_works_and_where_overlays_are_refused_one_line_says_s
 
 
 def test_a_missing_shim_is_named(tmp_path: Path) -> None:
-    command = [LAB / "run", "--build", tmp_path, "true"]
-    result = subprocess.run(command, capture_output=True, text=True, check=False, timeout=60)
+    result = run(RUN[0], "--build", str(tmp_path), "true")
     assert result.returncode == 1
     assert result.stderr == f"lab: {tmp_path}/lab/lab_intercept is missing: build the program first\n"
 
@@ -225,16 +232,10 @@ def test_programs_in_the_lab_reach_the_display_only_when_asked_to() -> None:
         number = os.read(reading, 16).decode().strip()
         environment = os.environ | {"DISPLAY": f":{number}"}
         question = ["xwininfo", "-root"]
-        assert lab(*question, env=environment).returncode == 1
-        with_display = [LAB / "run", "--display", "--build", BUILD, *question]
-        subprocess.run(with_display, env=environment, check=True, capture_output=True, timeout=60)
-        remote = subprocess.run(
-            with_display,
-            env=os.environ | {"DISPLAY": "localhost:10"},
-            capture_output=True,
-            text=True,
-            check=False,
-        )
+        assert lab(*question, environment=environment).returncode == 1
+        with_display = [RUN[0], "--display", *RUN[1:], *question]
+        assert run(*with_display, environment=environment).returncode == 0
+        remote = run(*with_display, environment=os.environ | {"DISPLAY": "localhost:10"})
         assert remote.returncode == 1
         assert remote.stderr == (
             "lab: --display needs a local X display, and DISPLAY is 'localhost:10'\n"

@@ -20,8 +20,8 @@ NOT_FOR_PEOPLE = ("lab/simulated/", "platform/macos/toolchain/c++")
 
 
 def tracked(*patterns: str) -> list[str]:
-    listing = ["git", "-C", REPOSITORY, "ls-files", "--cached", "--others", "--exclude-standard"]
-    output = subprocess.run([*listing, "--", *patterns], capture_output=True, text=True, check=True)
+    listing = ["git", "ls-files", "--cached", "--others", "--exclude-standard", "--", *patterns]
+    output = subprocess.run(listing, cwd=REPOSITORY, capture_output=True, text=True, check=True)
     return [name for name in output.stdout.splitlines() if (REPOSITORY / name).exists()]
 
 
