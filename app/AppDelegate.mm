@@ -54,6 +54,7 @@ static ServerWindowController *theServerWindow = nil;
 
 - (IBAction)OkAction:(id)sender {
   app::AppStatics &statics = app::appStatics();
+  // Required: kept as typed, also when they are wrong, until the next attempt.
   statics.user = app::utf8([OUTLET(username) stringValue]);
   statics.pwd = app::utf8([OUTLET(password) stringValue]);
   if (app::authenticateLocalAdminUser(statics.user, statics.pwd)) {
@@ -67,9 +68,11 @@ static ServerWindowController *theServerWindow = nil;
 }
 
 - (void)showServerWindow {
+  // Created first: without its interface file the program stops, before anything is hidden. The
+  // file is loaded only when the controller is asked for its window.
+  if (theServerWindow == nil) theServerWindow = [[ServerWindowController alloc] init];
   // Hidden, not closed or released: required.
   [OUTLET(window) setIsVisible:NO];
-  if (theServerWindow == nil) theServerWindow = [[ServerWindowController alloc] init];
   // The window is made visible, then shown, and translated a third time after the two translations
   // of its load: required.
   [[theServerWindow window] setIsVisible:YES];

@@ -177,8 +177,12 @@ DecodedCatalogue decodeCatalogue(std::string_view json) {
 
 std::optional<JsonData> getLanguageLabel() {
   @autoreleasepool {
-    NSString *path = [[NSBundle mainBundle] pathForResource:@"translate" ofType:@"json"];
-    if (path == nil) app::fatalError("resource translate.json is missing from the bundle");
+    // Not pathForResource:ofType:, which may take a file that cannot be read for a missing one.
+    NSString *path =
+        [[[NSBundle mainBundle] resourcePath] stringByAppendingPathComponent:@"translate.json"];
+    if (![[NSFileManager defaultManager] fileExistsAtPath:path]) {
+      app::fatalError("resource translate.json is missing from the bundle");
+    }
 
     NSError *error = nil;
     NSStringEncoding encoding{};

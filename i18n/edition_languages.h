@@ -11,7 +11,7 @@
 namespace i18n {
 
 /// Items of the full five-item pop-up that the edition does not offer, highest index first, so that
-/// each can be removed by its index in the full list.
+/// each can be removed at its index in the full list.
 std::vector<int> itemsToRemove(const app::Edition &edition);
 
 struct LanguageChoice {
@@ -20,12 +20,13 @@ struct LanguageChoice {
   bool operator==(const LanguageChoice &) const = default;
 };
 
-/// What the edition selects for a stored code: the language itself where offered, else the
-/// edition's own fallback, also for unknown, empty and differently cased codes.
+/// What the edition selects for a stored code: that language if the edition offers it, else the
+/// edition's fallback, as for codes that are unknown, empty or in capitals.
 LanguageChoice choiceForCode(const app::Edition &edition, std::string_view code);
 
-/// The language of the selected item (-1 when none is). Items beyond what the edition offers, and
-/// every item of an unknown `oem`, count as those of the full pop-up; out of range gives English.
+/// The language of the selected item (-1 when there is none). Required: items beyond what the
+/// edition offers, and every item of an unknown `oem`, count as those of the full pop-up; an item
+/// outside of that is English.
 Language languageFromItem(std::string_view oem, int item);
 
 }  // namespace i18n

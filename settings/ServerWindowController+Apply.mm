@@ -10,7 +10,7 @@
 
 - (IBAction)ApplyAction:(id)sender {
   app::AppStatics &statics = app::appStatics();
-  // Before any check, so the current language changes even when the input stops Apply.
+  // Required: before any check, so the current language changes even when the input stops Apply.
   statics.lang = [self getLanguage];
 
   const std::string serverText = [self trimTextInField:OUTLET(servername)];
@@ -33,6 +33,7 @@
   [NSApp terminate:nil];
 }
 
+// Required: the port first, unlike the connection test.
 - (BOOL)validateServer:(const std::string &)serverText port:(const std::string &)portText {
   if (settings::validatePort(portText) == settings::ValidationResult::ResetPort) {
     [port setStringValue:defaultPort];

@@ -16,6 +16,7 @@
   if (result == settings::ValidationResult::ClearServer) [servername setStringValue:@""];
   if (result != settings::ValidationResult::Accept) return;
 
+  // Required: the index is printed before the port is checked.
   const NSInteger kind = [OUTLET(testChoice) indexOfSelectedItem];
   app::printLine(std::to_string(kind));
   const bool testsPort = kind == 1;
@@ -30,6 +31,8 @@
 
 - (void)showStatus:(NSString *)imageName {
   [OUTLET(testStatus) setImage:[NSImage imageNamed:imageName]];
+  // Now: the command blocks the window, which would go on showing the previous result.
+  [testStatus display];
 }
 
 @end

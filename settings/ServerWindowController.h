@@ -38,13 +38,13 @@
 /// The language of the selected pop-up item.
 - (i18n::Language)getLanguage;
 
-/// Takes the language from the pop-up and relabels the window; nothing is stored.
+/// Takes the language from the pop-up and translates the window; nothing is stored.
 - (IBAction)languageAction:(id)sender;
 
 /// Ends the program without asking.
 - (IBAction)QuitAction:(id)sender;
 
-/// Trims white space and line ends off both ends of the field's text, in place.
+/// Trims white space and newlines from both ends of the field's text, in place.
 - (std::string)trimTextInField:(NSTextField *)field;
 
 /// Whether the server field is to hold an IP address.
@@ -54,8 +54,8 @@
 
 @interface ServerWindowController (ConnectionTest)
 
-/// Pings the server or tries its port and shows the outcome in `testStatus`. Bad input is corrected
-/// in its field and runs nothing.
+/// Pings the server or tries its port and shows the result in `testStatus`. Bad input is corrected
+/// in its field, and no command runs.
 - (IBAction)TestAction:(id)sender;
 
 @end
@@ -70,11 +70,11 @@
 
 @interface ServerWindowController (Translation)
 
-/// Puts the texts of the current language on the controls. Without a catalogue the texts stay.
+/// Shows the strings of the current language. Without a catalogue they stay as they are.
 - (void)translate;
 
 /// Select the item of a stored language code and make its language the current one, by the rule of
-/// that edition. They relabel nothing.
+/// that edition. They translate nothing.
 - (void)changeLanguageOskel:(NSString *)language;
 - (void)changeLanguageZentavo:(NSString *)language;
 - (void)changeLanguageFennrow:(NSString *)language;

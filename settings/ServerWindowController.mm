@@ -2,6 +2,7 @@
 
 #include "agent/mdm_profile.h"
 #include "app/app_statics.h"
+#include "app/diagnostics.h"
 #include "app/edition.h"
 #include "app/ns_string.h"
 #include "app/outlet.h"
@@ -12,9 +13,16 @@
 @implementation ServerWindowController
 
 - (id)init {
-  return [self initWithWindowNibName:@"ServerWindowController"];
+  self = [self initWithWindowNibName:@"ServerWindowController"];
+  // A later failure to load it would be an exception, which the application's loop swallows.
+  if ([self windowNibPath] == nil) {
+    app::fatalError("interface file ServerWindowController is missing from the bundle");
+  }
+  [self setShouldCascadeWindows:NO];
+  return self;
 }
 
+// Required: both initialisers set the instance variable before they call super.
 - (id)initWithWindow:(NSWindow *)window {
   defaultPort = [app::nsString(settings::kDefaultPort) retain];
   return [super initWithWindow:window];
@@ -42,6 +50,7 @@
     [self translate];
   }
   [self updateUI:title];
+  // Required: again, now in the stored language.
   [self translate];
   [OUTLET(Apply_button) setKeyEquivalent:@"\r"];
   if (@available(macOS 10.10, *)) [Apply_button setHighlighted:YES];
@@ -80,6 +89,7 @@
   for (NSView *control : hiddenControls) [control setHidden:NO];
 }
 
+// Required: goes by `oem`, while the trimming of the pop-up goes by the title.
 - (i18n::Language)getLanguage {
   return i18n::languageFromItem(app::appStatics().oem,
                                 static_cast<int>([OUTLET(selectLanguage) indexOfSelectedItem]));

@@ -52,7 +52,7 @@ ApplyOutcome applySettings(const ApplyRequest &request) {
   const std::optional<agent::ConsoleUser> console = consoleUserFor(request);
   const agent::Credentials &administrator = request.administrator;
 
-  // Each check asks launchd afresh: an operation before it may have failed.
+  // Each check asks launchd again: the operation before it may have failed.
   if (console && agent::checkGlobalAgent(*console)) agent::stopGlobalAgent(*console);
   if (agent::checkGlobalDaemon(administrator)) agent::stopGlobalDaemon(administrator);
 

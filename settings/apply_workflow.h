@@ -15,7 +15,7 @@ namespace settings {
 inline constexpr std::array<std::string_view, 3> kSettingsFilesToDelete{
     "safeguarding_server.xml", "tkprotocolserver.settings.xml", "safeguarding_cloud.xml"};
 
-/// What an administrator asked for, already validated, and as whom it is to be done.
+/// What an administrator asked for, already validated, and the accounts to do it with.
 struct ApplyRequest {
   std::string oem;
   std::string server;

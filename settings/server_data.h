@@ -6,7 +6,7 @@
 
 namespace settings {
 
-/// The agent's stored settings. UTF-8 texts.
+/// The agent's stored settings, in UTF-8.
 struct ServerData {
   std::string language;  ///< two-letter code, never empty; any code when it comes from the file
   std::string server;    ///< as an administrator typed it; may be empty
@@ -14,7 +14,7 @@ struct ServerData {
   bool operator==(const ServerData &) const = default;
 };
 
-/// What server.plist holds, each value only where it is of the right type. UTF-8 texts.
+/// What server.plist holds, each value only if it is of the right type. UTF-8.
 struct StoredValues {
   std::optional<std::string> language;
   std::optional<std::string> server;
@@ -23,24 +23,24 @@ struct StoredValues {
   bool operator==(const StoredValues &) const = default;
 };
 
-/// Reads server.plist as it is. No values from a missing or bad file, or when the platform reports
-/// no local Library folder.
+/// Reads server.plist as it is. No values from a file that is missing, malformed or not a regular
+/// file, or when the platform reports no local Library folder.
 StoredValues getStoredValues();
 
 /// The same for the file at `path`.
 StoredValues readStoredValues(const std::string &path);
 
-/// Reads server.plist. A missing or bad file, and each value of a wrong type, gives the default of
-/// that value: the system's language narrowed to English or French, an empty server, port 6000.
-/// Nothing only when the platform reports no local Library folder. Reports and writes nothing.
+/// Reads server.plist. A value that is missing or of the wrong type has its default: the system's
+/// language narrowed to English or French, an empty server, port 6000. Nothing only when the
+/// platform reports no local Library folder. Reports and writes nothing.
 std::optional<ServerData> getServerData();
 
 /// The same for the file at `path`.
 ServerData readServerData(const std::string &path);
 
 /// The default of `language`: the first two characters of the first preferred language, else the
-/// locale's language; "en" unless that is exactly "en" or "fr". A language that comes from the file
-/// is never narrowed like this.
+/// locale's language; "en" unless that is exactly "en" or "fr". Required: a language that comes
+/// from the file is not narrowed like this.
 std::string systemLanguage(const std::vector<std::string> &preferredLanguages,
                            const std::optional<std::string> &localeLanguage);
 

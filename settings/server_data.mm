@@ -2,6 +2,8 @@
 
 #include "settings/server_data.h"
 
+#include <sys/stat.h>
+
 #include <string_view>
 
 #include "agent/server_plist_path.h"
@@ -10,6 +12,17 @@
 
 namespace settings {
 namespace {
+
+// Anything else, such as a FIFO, could block the program when it is read.
+bool isRegularFile(const std::string &path) {
+  struct stat status;
+  return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+NSDictionary *readPropertyList(const std::string &path) {
+  if (!isRegularFile(path)) return nil;
+  return [[[NSDictionary alloc] initWithContentsOfFile:app::nsString(path)] autorelease];
+}
 
 std::optional<std::string> stringValue(id value) {
   if (![value isKindOfClass:[NSString class]]) return std::nullopt;
@@ -35,6 +48,16 @@ std::optional<bool> booleanValue(id value) {
   return [value boolValue] != NO;
 }
 
+// Characters as a reader sees them: a letter and its combining marks are one.
+std::string firstTwoCharacters(const std::string &text) {
+  NSString *string = app::nsString(text);
+  NSUInteger end = 0;
+  for (int count = 0; count < 2 && end < [string length]; ++count) {
+    end = NSMaxRange([string rangeOfComposedCharacterSequenceAtIndex:end]);
+  }
+  return app::utf8([string substringToIndex:end]);
+}
+
 std::string systemLanguageCode() {
   std::vector<std::string> preferred;
   for (NSString *language in [NSLocale preferredLanguages]) {
@@ -49,15 +72,17 @@ std::string systemLanguageCode() {
 
 std::string systemLanguage(const std::vector<std::string> &preferredLanguages,
                            const std::optional<std::string> &localeLanguage) {
-  const std::string code = preferredLanguages.empty() ? localeLanguage.value_or("en")
-                                                      : preferredLanguages.front().substr(0, 2);
-  return code == "en" || code == "fr" ? code : "en";
+  @autoreleasepool {
+    const std::string code = preferredLanguages.empty()
+                                 ? localeLanguage.value_or("en")
+                                 : firstTwoCharacters(preferredLanguages.front());
+    return code == "en" || code == "fr" ? code : "en";
+  }
 }
 
 StoredValues readStoredValues(const std::string &path) {
   @autoreleasepool {
-    NSDictionary *stored =
-        [[[NSDictionary alloc] initWithContentsOfFile:app::nsString(path)] autorelease];
+    NSDictionary *stored = readPropertyList(path);
     return {.language = stringValue([stored objectForKey:@"language"]),
             .server = stringValue([stored objectForKey:@"server"]),
             .port = integerValue([stored objectForKey:@"port"]),

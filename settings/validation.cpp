@@ -17,7 +17,7 @@ bool isAddress(int family, const std::string &text) {
 }  // namespace
 
 bool isPort(std::string_view text) {
-  // from_chars takes a minus but no plus, and must not be left to take "+-1".
+  // from_chars accepts a minus but no plus; "+-1" must not reach it as "-1".
   if (text.starts_with('+')) {
     text.remove_prefix(1);
     if (text.starts_with('-')) return false;

@@ -8,17 +8,18 @@ namespace settings {
 /// Put back wherever a port is missing or invalid.
 inline constexpr std::string_view kDefaultPort = "6000";
 
-/// Whether the whole text is a decimal number from 0 to 65535, one sign allowed: "0", "+80" and
-/// "-0" are ports, on purpose.
+/// Whether the whole text is a decimal number from 0 to 65535, with at most one sign. Required:
+/// "0",
+/// "+80" and "-0" are ports.
 bool isPort(std::string_view text);
 
-/// Whether the system's address converter takes the text, up to its first NUL, as dotted-decimal
+/// Whether the system's address converter accepts the text, up to its first NUL, as dotted-decimal
 /// IPv4 or as IPv6.
 bool isIPv4(const std::string &text);
 bool isIPv6(const std::string &text);
 
-/// How the window answers the typed server and port: bad input is corrected in place and stops the
-/// action, without a message.
+/// What the window does with the typed server and port: bad input is corrected in place and stops
+/// the action, without a message.
 enum class ValidationResult {
   Accept,
   Stop,         ///< nothing to correct: the server is empty

@@ -35,13 +35,13 @@ Json completeCatalogue() {
   return catalogue;
 }
 
-std::string errorOf(const Json &catalogue) {
+std::string errorFor(const Json &catalogue) {
   const DecodedCatalogue decoded = i18n::decodeCatalogue(catalogue.dump());
   EXPECT_FALSE(decoded.catalogue);
   return decoded.error;
 }
 
-TEST(Catalogue, PutsEveryTextIntoItsOwnField) {
+TEST(Catalogue, PutsEveryStringIntoItsOwnField) {
   const DecodedCatalogue decoded = i18n::decodeCatalogue(completeCatalogue().dump());
   ASSERT_TRUE(decoded.catalogue) << decoded.error;
   const std::pair<std::string, const JsonData::Info &> entries[] = {{"En", decoded.catalogue->En},
@@ -85,13 +85,13 @@ TEST(Catalogue, PutsEveryTextIntoItsOwnField) {
   }
 }
 
-TEST(Catalogue, IsRejectedWholeForAnyMissingText) {
+TEST(Catalogue, IsRejectedAsAWholeForAnyMissingString) {
   for (const std::string &language : kLanguages) {
     for (const auto &[group, keys] : kGroups) {
       for (const std::string &key : keys) {
         Json catalogue = completeCatalogue();
         catalogue[language][group].erase(key);
-        EXPECT_EQ(errorOf(catalogue), language + "." + group + "." + key + ": missing");
+        EXPECT_EQ(errorFor(catalogue), language + "." + group + "." + key + ": missing");
       }
     }
   }
@@ -101,16 +101,16 @@ TEST(Catalogue, IsRejectedForAMissingGroupOrLanguage) {
   for (const std::string &language : kLanguages) {
     Json catalogue = completeCatalogue();
     catalogue.erase(language);
-    EXPECT_EQ(errorOf(catalogue), language + ": missing");
+    EXPECT_EQ(errorFor(catalogue), language + ": missing");
     for (const auto &[group, keys] : kGroups) {
       catalogue = completeCatalogue();
       catalogue[language].erase(group);
-      EXPECT_EQ(errorOf(catalogue), language + "." + group + ": missing");
+      EXPECT_EQ(errorFor(catalogue), language + "." + group + ": missing");
     }
   }
 }
 
-TEST(Catalogue, IsRejectedForAValueThatIsNoString) {
+TEST(Catalogue, IsRejectedForAValueThatIsNotAString) {
   const std::pair<Json, const char *> values[] = {{nullptr, "null"},
                                                   {1, "a number"},
                                                   {1.5, "a number"},
@@ -121,29 +121,29 @@ TEST(Catalogue, IsRejectedForAValueThatIsNoString) {
   for (const auto &[value, kind] : values) {
     Json catalogue = completeCatalogue();
     catalogue["En"]["About"]["version"] = value;
-    EXPECT_EQ(errorOf(catalogue),
+    EXPECT_EQ(errorFor(catalogue),
               std::string("En.About.version: expected a string, found ") + kind);
   }
 }
 
-TEST(Catalogue, IsRejectedForAGroupThatIsNoObject) {
+TEST(Catalogue, IsRejectedForAGroupThatIsNotAnObject) {
   Json catalogue = completeCatalogue();
   catalogue["It"]["Common"] = "text";
-  EXPECT_EQ(errorOf(catalogue), "It.Common: expected an object, found a string");
+  EXPECT_EQ(errorFor(catalogue), "It.Common: expected an object, found a string");
   catalogue = completeCatalogue();
   catalogue["Ge"] = nullptr;
-  EXPECT_EQ(errorOf(catalogue), "Ge: expected an object, found null");
-  EXPECT_EQ(errorOf(Json::array()), "expected an object, found an array");
+  EXPECT_EQ(errorFor(catalogue), "Ge: expected an object, found null");
+  EXPECT_EQ(errorFor(Json::array()), "expected an object, found an array");
 }
 
-TEST(Catalogue, WantsTheUnderscoreOfImport) {
+TEST(Catalogue, RequiresTheUnderscoreOfImport) {
   Json catalogue = completeCatalogue();
   for (const std::string &language : kLanguages) {
     Json &common = catalogue[language]["Common"];
     common["import"] = common["_import"];
     common.erase("_import");
   }
-  EXPECT_EQ(errorOf(catalogue), "En.Common._import: missing");
+  EXPECT_EQ(errorFor(catalogue), "En.Common._import: missing");
 }
 
 TEST(Catalogue, IgnoresUnknownKeysAndTheirOrder) {
@@ -155,7 +155,7 @@ TEST(Catalogue, IgnoresUnknownKeysAndTheirOrder) {
   EXPECT_TRUE(i18n::decodeCatalogue(nlohmann::json(completeCatalogue()).dump()).catalogue);
 }
 
-TEST(Catalogue, TakesEmptyAndNonLatinTexts) {
+TEST(Catalogue, AcceptsEmptyAndNonLatinStrings) {
   Json catalogue = completeCatalogue();
   catalogue["En"]["Common"]["quit"] = "";
   catalogue["Ge"]["Common"]["quit"] = "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x98\x80\"\\\n";
@@ -165,7 +165,7 @@ TEST(Catalogue, TakesEmptyAndNonLatinTexts) {
   EXPECT_EQ(decoded.catalogue->Ge.Common.quit, "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x98\x80\"\\\n");
 }
 
-TEST(Catalogue, ThatIsNoJSONIsRejectedWithThePlace) {
+TEST(Catalogue, ThatIsNotValidJSONIsRejectedWithThePosition) {
   const DecodedCatalogue decoded = i18n::decodeCatalogue("{\n  \"En\": {,}\n}");
   EXPECT_FALSE(decoded.catalogue);
   EXPECT_NE(decoded.error.find("line 2"), std::string::npos) << decoded.error;
@@ -183,7 +183,27 @@ TEST(Catalogue, CutOffAnywhereIsRejected) {
   }
 }
 
-TEST(ShippedCatalogue, IsCompleteInEveryLanguageWithoutEmptyTextsColonsOrOuterBlanks) {
+TEST(ShippedCatalogue, NamesEveryLanguageInEveryLanguage) {
+  const std::string text = doubles::ScratchFolder::read(RESOURCES "/translate.json");
+  const Json catalogue = Json::parse(text);
+  const std::map<std::string, std::array<std::string, 5>> expected{
+      {"En", {"English", "French", "Spanish", "Italian", "German"}},
+      {"Fr", {"Anglais", "Français", "Espagnol", "Italien", "Allemand"}},
+      {"Es", {"Inglés", "Francés", "Español", "Italiano", "Alemán"}},
+      {"It", {"Inglese", "Francese", "Spagnolo", "Italiano", "Tedesco"}},
+      {"Ge", {"Englisch", "Französisch", "Spanisch", "Italienisch", "Deutsch"}},
+  };
+  for (const auto &[entry, names] : expected) {
+    const Json &shown = catalogue.at(entry).at("Language");
+    EXPECT_EQ(
+        (std::array<std::string, 5>{shown.at("english"), shown.at("french"), shown.at("spanish"),
+                                    shown.at("italian"), shown.at("german")}),
+        names)
+        << entry;
+  }
+}
+
+TEST(ShippedCatalogue, IsCompleteInEveryLanguageWithoutEmptyStringsColonsOrOuterSpaces) {
   const std::string text = doubles::ScratchFolder::read(RESOURCES "/translate.json");
   const DecodedCatalogue decoded = i18n::decodeCatalogue(text);
   ASSERT_TRUE(decoded.catalogue) << decoded.error;

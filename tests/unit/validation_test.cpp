@@ -86,7 +86,7 @@ TEST(IPv6, IsTheTextFormWithoutZoneOrBrackets) {
     EXPECT_EQ(settings::isIPv6(c.text), c.expected) << "'" << c.text << "'";
 }
 
-TEST(ServerCheck, WantsAnAddressInIPAddressModeAndAnythingInHostNameMode) {
+TEST(ServerCheck, RequiresAnAddressInIPAddressModeAndAnythingInHostNameMode) {
   struct {
     const char *server;
     bool ipAddressMode;
@@ -108,7 +108,7 @@ TEST(ServerCheck, WantsAnAddressInIPAddressModeAndAnythingInHostNameMode) {
   }
 }
 
-TEST(PortCheck, ResetsWhatIsNoPort) {
+TEST(PortCheck, ResetsWhatIsNotAPort) {
   EXPECT_EQ(settings::validatePort("6000"), ValidationResult::Accept);
   EXPECT_EQ(settings::validatePort("0"), ValidationResult::Accept);
   EXPECT_EQ(settings::validatePort("70000"), ValidationResult::ResetPort);

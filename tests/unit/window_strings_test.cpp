@@ -42,15 +42,15 @@ TEST(CatalogueEntry, IsPickedByLanguageAndNotByPosition) {
 }
 
 TEST(SettingsStrings, ComeFromTheEntryWithColonsWhereCaptionsNeedThem) {
-  const i18n::SettingsStrings texts = i18n::settingsStrings(distinctInfo("x-"), En, "Zentavo");
-  EXPECT_EQ(texts.settings, "x-settings");
-  EXPECT_EQ(texts.language, "x-lang:");
-  EXPECT_EQ(texts.server, "Zentavo x-server:");
-  EXPECT_EQ(texts.quit, "x-quit");
-  EXPECT_EQ(texts.apply, "x-apply");
-  EXPECT_EQ(texts.port, "x-port:");
-  EXPECT_EQ(texts.test, "x-test");
-  EXPECT_EQ(texts.reset_settings, "x-reset_settings");
+  const i18n::SettingsStrings strings = i18n::settingsStrings(distinctInfo("x-"), En, "Zentavo");
+  EXPECT_EQ(strings.settings, "x-settings");
+  EXPECT_EQ(strings.language, "x-lang:");
+  EXPECT_EQ(strings.server, "Zentavo x-server:");
+  EXPECT_EQ(strings.quit, "x-quit");
+  EXPECT_EQ(strings.apply, "x-apply");
+  EXPECT_EQ(strings.port, "x-port:");
+  EXPECT_EQ(strings.test, "x-test");
+  EXPECT_EQ(strings.reset_settings, "x-reset_settings");
 }
 
 TEST(ServerHint, IsFixedPerLanguage) {

@@ -5,6 +5,20 @@
 #include "app/ns_string.h"
 #include "doubles/recording_shell.h"
 
+namespace {
+/// The window of a process that is about to end.
+NSWindow *theWindow = nil;
+}  // namespace
+
+@interface EndOfApplication : NSObject
+@end
+
+@implementation EndOfApplication
++ (void)applicationEnds:(NSNotification *)notification {
+  std::fputs([theWindow isVisible] ? "visible at the end\n" : "hidden at the end\n", stderr);
+}
+@end
+
 namespace windowtest {
 namespace {
 
@@ -102,6 +116,22 @@ TEST_F(Actions, TestCorrectsTheFieldsRunsOneCommandAndShowsTheOutcome) {
   }
 }
 
+TEST_F(Actions, TestHasDrawnItsStatusWhenTheCommandBlocksTheWindow) {
+  fill("192.0.2.10", "6000", kIPAddress);
+  for (const int exitStatus : {0, 1, 0}) {
+    bool drawn = false;
+    recordingShell().answer = [&](const doubles::RecordedCommand &) {
+      drawn = ![outlet<NSView>(controller_, "testStatus") needsDisplay];
+      EXPECT_EQ(status(), app::utf8(NSImageNameStatusNone));
+      return agent::ShellResult{.text = {}, .status = exitStatus};
+    };
+    testing::internal::CaptureStdout();
+    [controller_ TestAction:nil];
+    testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(drawn);
+  }
+}
+
 TEST_F(Actions, TestPingsWhenNoKindIsSelected) {
   fill("::1", "6000", kIPAddress, -1);
   testing::internal::CaptureStdout();
@@ -114,8 +144,9 @@ TEST_F(Actions, TestDoesNotValidateWhenNoModeIsSelected) {
   fill("fileserver", "6000", -1);
   testing::internal::CaptureStdout();
   [controller_ TestAction:nil];
-  testing::internal::GetCapturedStdout();
-  EXPECT_EQ(recordingShell().commands.size(), 1U);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "0\n");
+  EXPECT_EQ(recordingShell().commandLines(),
+            std::vector<std::string>{"/sbin/ping -c 1 \"fileserver\""});
 }
 
 TEST_F(Actions, ApplyStopsOnBadInputCorrectsTheFieldAndKeepsTheWindow) {
@@ -194,6 +225,42 @@ TEST_F(ActionsDeathTest, ApplyByReturnWritesTheTrimmedValuesAndEndsTheProgramWit
                    returnKey([controller_ window]));
       },
       testing::ExitedWithCode(0), expected);
+}
+
+TEST_F(ActionsDeathTest, ApplyHidesTheWindowAfterItsLastCommandAndBeforeTheProgramEnds) {
+  fill("192.0.2.10", "6000", kIPAddress);
+  theWindow = [controller_ window];
+  recordingShell().answer = [](const doubles::RecordedCommand &) {
+    std::fputs([theWindow isVisible] ? "visible " : "hidden ", stderr);
+    return agent::ShellResult{.text = {}, .status = 0};
+  };
+  EXPECT_EXIT(
+      {
+        [[NSNotificationCenter defaultCenter] addObserver:[EndOfApplication class]
+                                                 selector:@selector(applicationEnds:)
+                                                     name:NSApplicationWillTerminateNotification
+                                                   object:nil];
+        runAndSend(controller_, @selector(ApplyAction:), nil);
+      },
+      testing::ExitedWithCode(0), "(visible )+hidden at the end\n$");
+}
+
+TEST_F(ActionsDeathTest, ApplyTakesWhatIsTypedAfterAStoppedAttempt) {
+  fill("fileserver", "x", kIPAddress);
+  [controller_ ApplyAction:nil];
+  [controller_ ApplyAction:nil];
+  ASSERT_EQ(fields(), "'' '6000'");
+  fill("192.0.2.10", "4000", kIPAddress);
+  [outlet<NSPopUpButton>(controller_, "selectLanguage") selectItemAtIndex:0];
+  thePlist = plist_;
+  EXPECT_EXIT(
+      {
+        std::atexit(reportAtExit);
+        runAndSend(controller_, @selector(ApplyAction:), nil);
+      },
+      testing::ExitedWithCode(0),
+      "statics 192.0.2.10 4000\ndeletions 0\n.*<string>en</string>.*<string>192.0.2.10</string>"
+      ".*<integer>4000</integer>");
 }
 
 }  // namespace

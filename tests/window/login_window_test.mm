@@ -1,9 +1,30 @@
 #import "window/window_test.h"
 
+#include <csignal>
+
 #include "app/edition.h"
 #include "app/ns_string.h"
 #include "doubles/fake_directory.h"
 #include "doubles/recording_shell.h"
+
+namespace {
+/// How many observed windows live.
+int observedWindows = 0;
+}  // namespace
+
+@interface ObservedWindow : NSObject
+@end
+
+@implementation ObservedWindow
+- (id)init {
+  ++observedWindows;
+  return [super init];
+}
+- (void)dealloc {
+  --observedWindows;
+  [super dealloc];
+}
+@end
 
 namespace windowtest {
 namespace {
@@ -20,12 +41,12 @@ class LoginWindow : public WindowTest {
       return name == user && password == pwd;
     };
   }
-  static std::string texts(AppDelegate *delegate) {
+  static std::string strings(AppDelegate *delegate) {
     return fieldText(delegate, "admin_msg") + " | " + fieldText(delegate, "username_label") +
            " | " + fieldText(delegate, "password_label") + " | " +
            buttonTitle(delegate, "OkButton") + " | " + buttonTitle(delegate, "QuitButton");
   }
-  static std::string catalogueTexts(const std::string &entry) {
+  static std::string catalogueStrings(const std::string &entry) {
     return catalogueString(entry, "Common", "adminmsg") + " | " +
            catalogueString(entry, "Common", "username") + " | " +
            catalogueString(entry, "Common", "password") + " | " +
@@ -43,7 +64,7 @@ TEST_F(LoginWindow, ConnectsEveryOutletOfItsInterfaceFile) {
       [outlet<NSSecureTextField>(delegate, "password") isKindOfClass:[NSSecureTextField class]]);
 }
 
-TEST_F(LoginWindow, IsOnScreenAtLaunchUnderTheTitleOfItsEdition) {
+TEST_F(LoginWindow, IsOnScreenAtLaunchWithTheTitleOfItsEdition) {
   for (const app::Edition &edition : app::kEditions) {
     becomeEdition(std::string(edition.oem));
     AppDelegate *delegate = launch();
@@ -83,30 +104,30 @@ TEST_F(LoginWindow, OpensInTheLanguageThatTheStoredSettingsName) {
     store(row.code, "", "6000");
     AppDelegate *delegate = launch();
     EXPECT_EQ(app::appStatics().lang, row.lang);
-    EXPECT_EQ(texts(delegate), catalogueTexts(row.entry));
+    EXPECT_EQ(strings(delegate), catalogueStrings(row.entry));
     [outlet<NSWindow>(delegate, "window") orderOut:nil];
   }
 }
 
-TEST_F(LoginWindow, TranslatesAnewEachTime) {
+TEST_F(LoginWindow, ReadsTheStoredLanguageOnEachTranslation) {
   store("de", "", "6000");
   AppDelegate *delegate = launch();
   store("en", "", "6000");
   [delegate translate];
   EXPECT_EQ(app::appStatics().lang, i18n::Language::En);
-  EXPECT_EQ(texts(delegate), catalogueTexts("En"));
+  EXPECT_EQ(strings(delegate), catalogueStrings("En"));
 }
 
-TEST_F(LoginWindow, KeepsItsLayoutTextsWithoutAUsableCatalogue) {
+TEST_F(LoginWindow, KeepsTheStringsOfItsInterfaceFileWithoutAUsableCatalogue) {
   store("de", "", "6000");
   AppDelegate *delegate = loadLogin();
-  const std::string before = texts(delegate);
+  const std::string before = strings(delegate);
   setCatalogue("{\"En\": {}}");
   testing::internal::CaptureStderr();
   [delegate applicationDidFinishLaunching:nil];
   EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
       " error to get language: En.Common: missing\n"));
-  EXPECT_EQ(texts(delegate), before);
+  EXPECT_EQ(strings(delegate), before);
   EXPECT_EQ(app::appStatics().lang, i18n::Language::Ge);
 }
 
@@ -140,7 +161,24 @@ TEST_F(LoginWindow, LetsTheDirectoryDecideOnEmptyFields) {
   EXPECT_EQ(asked, "'' ''");
 }
 
-TEST_F(LoginWindow, GivesWayToTheSettingsWindowOnReturnWithTheRightPassword) {
+TEST_F(LoginWindow, ChecksWhatIsTypedAtEachAttempt) {
+  std::string attempts;
+  doubles::fakeDirectory().authenticate = [&](const std::string &user, const std::string &pwd) {
+    attempts += user + "/" + pwd + " ";
+    return false;
+  };
+  AppDelegate *delegate = launch();
+  type(delegate, "username", "alice");
+  type(delegate, "password", "wrong");
+  [delegate OkAction:nil];
+  type(delegate, "username", "bob");
+  [delegate OkAction:nil];
+  type(delegate, "password", "right");
+  [delegate OkAction:nil];
+  EXPECT_EQ(attempts, "alice/wrong bob/ /right ");
+}
+
+TEST_F(LoginWindow, IsReplacedByTheSettingsWindowOnReturnWithTheRightPassword) {
   acceptOnly("alice", "  p w ");
   AppDelegate *delegate = launch();
   NSWindow *window = outlet<NSWindow>(delegate, "window");
@@ -153,13 +191,15 @@ TEST_F(LoginWindow, GivesWayToTheSettingsWindowOnReturnWithTheRightPassword) {
   EXPECT_TRUE([[settings window] isVisible]);
   EXPECT_EQ(app::appStatics().user, "alice");
   EXPECT_EQ(app::appStatics().pwd, "  p w ");
-  ASSERT_EQ(doubles::recordingShell().commands.size(), 1U);
+  const std::vector<std::string> commands = doubles::recordingShell().commandLines();
+  ASSERT_EQ(commands.size(), 1U);
+  EXPECT_NE(commands.front().find("profiles list"), std::string::npos) << commands.front();
 
   // Once more: the same controller, not loaded again.
   [window makeKeyAndOrderFront:nil];
   [delegate OkAction:nil];
   EXPECT_EQ([AppDelegate serverWindow], settings);
-  EXPECT_EQ(doubles::recordingShell().commands.size(), 1U);
+  EXPECT_EQ(doubles::recordingShell().commandLines(), commands);
 }
 
 // A program without a window would keep the password in memory.
@@ -172,19 +212,19 @@ TEST_F(LoginWindow, CannotBeClosed) {
       [delegate respondsToSelector:@selector(applicationShouldTerminateAfterLastWindowClosed:)]);
 }
 
-TEST_F(LoginWindow, IsHeldByTheDelegateAsLongAsThatLives) {
-  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 10, 10)
-                                                 styleMask:NSWindowStyleMaskTitled
-                                                   backing:NSBackingStoreBuffered
-                                                     defer:YES];
-  const NSUInteger owners = [window retainCount];
+TEST_F(LoginWindow, LivesAsLongAsTheDelegate) {
   AppDelegate *delegate = [[AppDelegate alloc] init];
-  [delegate setWindow:window];
-  [delegate setWindow:window];
-  EXPECT_EQ([window retainCount], owners + 1);
-  [delegate release];
-  EXPECT_EQ([window retainCount], owners);
+  ObservedWindow *window = [[ObservedWindow alloc] init];
+  [delegate setWindow:(NSWindow *)window];
+  [delegate setWindow:(NSWindow *)window];
   [window release];
+  EXPECT_EQ(observedWindows, 1);
+  ObservedWindow *other = [[ObservedWindow alloc] init];
+  [delegate setWindow:(NSWindow *)other];
+  [other release];
+  EXPECT_EQ(observedWindows, 1) << "the first window is still there";
+  [delegate release];
+  EXPECT_EQ(observedWindows, 0);
 }
 
 using LoginWindowDeathTest = LoginWindow;
@@ -220,6 +260,42 @@ TEST_F(LoginWindowDeathTest, StopsTheProgramWhereALoginNeedsAMissingOutlet) {
         testing::KilledBySignal(SIGABRT),
         std::string("fatal error: outlet ") + name + " is not connected");
   }
+}
+
+TEST_F(LoginWindowDeathTest, LogsTheErrorAndKeepsItsStringsWhenTheCatalogueCannotBeRead) {
+  EXPECT_EXIT(
+      {
+        AppDelegate *delegate = loadLogin();
+        const std::string before = strings(delegate);
+        store("de", "", "6000");
+        lockCatalogue();
+        [delegate translate];
+        std::_Exit(strings(delegate) == before ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), " error to get language: [^\n]+\n$");
+}
+
+/// The login window of a process that is about to stop, and what it says then.
+NSWindow *loginWindowAtTheEnd = nil;
+
+void sayWhetherTheLoginWindowIsVisible(int) {
+  std::fputs([loginWindowAtTheEnd isVisible] ? "login window visible\n" : "login window hidden\n",
+             stderr);
+}
+
+TEST_F(LoginWindowDeathTest, StopsTheProgramStillVisibleWithoutTheSettingsWindowsInterfaceFile) {
+  const MissingResource missing("ServerWindowController.xib");
+  EXPECT_EXIT(
+      {
+        acceptOnly("", "");
+        AppDelegate *delegate = launch();
+        loginWindowAtTheEnd = outlet<NSWindow>(delegate, "window");
+        std::signal(SIGABRT, sayWhetherTheLoginWindowIsVisible);
+        [delegate OkAction:nil];
+      },
+      testing::KilledBySignal(SIGABRT),
+      "fatal error: interface file ServerWindowController is missing from the bundle\n"
+      "login window visible\n$");
 }
 
 TEST_F(LoginWindowDeathTest, StopsTheProgramWithoutTheCatalogueResource) {

@@ -30,8 +30,8 @@ class SettingsWindow : public WindowTest {
     for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
     return count;
   }
-  /// Every text that the window shows in the current language, in a fixed order.
-  static std::string texts(ServerWindowController *controller) {
+  /// Every string that the window shows in the current language, in a fixed order.
+  static std::string strings(ServerWindowController *controller) {
     return app::utf8([outlet<NSTextFieldCell>(controller, "setting_label") stringValue]) + " | " +
            fieldText(controller, "language_label") + " | " + fieldText(controller, "server_label") +
            " | " + fieldText(controller, "port_label") + " | " +
@@ -42,9 +42,9 @@ class SettingsWindow : public WindowTest {
            app::utf8([outlet<NSTextField>(controller, "servername") toolTip]) + " | " +
            itemTitles(controller, "selectLanguage");
   }
-  static std::string catalogueTexts(const std::string &entry, const std::string &serverCaption,
-                                    const std::string &hint,
-                                    const std::vector<std::string> &languages) {
+  static std::string catalogueStrings(const std::string &entry, const std::string &serverCaption,
+                                      const std::string &hint,
+                                      const std::vector<std::string> &languages) {
     const auto common = [&](const char *key) { return catalogueString(entry, "Common", key); };
     std::string items;
     for (const std::string &name : languages) {
@@ -66,7 +66,7 @@ struct LoadRow {
   const char *oem, *code;
   NSInteger item;
   Language lang;
-  const char *entry, *caption;  // %s stands for the catalogue's server text
+  const char *entry, *caption;  // %s: the catalogue's word for server
   const std::vector<std::string> &languages;
 };
 
@@ -112,7 +112,7 @@ TEST_F(SettingsWindow, ConnectsEveryOutletOfItsInterfaceFile) {
   EXPECT_TRUE([[controller valueForKey:@"setting_label"] isKindOfClass:[NSTextFieldCell class]]);
 }
 
-TEST_F(SettingsWindow, LoadsWithTheItemsSelectionAndTextsOfItsEditionAndStoredLanguage) {
+TEST_F(SettingsWindow, LoadsWithTheItemsSelectionAndStringsOfItsEditionAndStoredLanguage) {
   for (const LoadRow &row : kLoadRows) {
     SCOPED_TRACE(std::string(row.oem) + " " + row.code);
     becomeEdition(row.oem);
@@ -123,8 +123,8 @@ TEST_F(SettingsWindow, LoadsWithTheItemsSelectionAndTextsOfItsEditionAndStoredLa
     EXPECT_EQ(app::appStatics().lang, row.lang);
     std::string caption = row.caption;
     caption.replace(caption.find("%s"), 2, catalogueString(row.entry, "Common", "server"));
-    EXPECT_EQ(texts(controller),
-              catalogueTexts(row.entry, caption, hintFor(row.lang), row.languages));
+    EXPECT_EQ(strings(controller),
+              catalogueStrings(row.entry, caption, hintFor(row.lang), row.languages));
     [[controller window] orderOut:nil];
   }
 }
@@ -168,7 +168,7 @@ TEST_F(SettingsWindow, KeepsTheLoadItemOfItsEditionWithoutAnyRecord) {
   }
 }
 
-TEST_F(SettingsWindow, LeavesTheLanguagesAloneUnderAnUnknownTitleAndTranslatesAllTheSame) {
+TEST_F(SettingsWindow, LeavesTheLanguagesAloneUnderAnUnknownTitleButTranslates) {
   become("Zentavo", "Another Utility");
   app::appStatics().lang = Language::It;
   store("de", "mdm", "4000");
@@ -181,13 +181,13 @@ TEST_F(SettingsWindow, LeavesTheLanguagesAloneUnderAnUnknownTitleAndTranslatesAl
   EXPECT_EQ(fieldText(controller, "port"), "4000");
 }
 
-TEST_F(SettingsWindow, UsesTheOemItselfAsTheWordOfAnUnknownEdition) {
+TEST_F(SettingsWindow, UsesTheOemItselfAsTheNameOfAnUnknownEdition) {
   become("Another", "Another Utility");
   store("en", "", "6000");
   ServerWindowController *controller = openSettings();
-  EXPECT_EQ(texts(controller),
-            catalogueTexts("En", "Another " + catalogueString("En", "Common", "server"),
-                           "ip or hostname", kAll));
+  EXPECT_EQ(strings(controller),
+            catalogueStrings("En", "Another " + catalogueString("En", "Common", "server"),
+                             "ip or hostname", kAll));
 }
 
 TEST_F(SettingsWindow, AsksForTheProfileOnceWithTheTypedCredentialsAndShowsTheAnswerDisabled) {
@@ -244,7 +244,7 @@ TEST_F(SettingsWindow, GivesApplyTheReturnKeyAndTheDefaultLook) {
   EXPECT_TRUE([apply isHighlighted]);
 }
 
-TEST_F(SettingsWindow, RelabelsItselfWhenTheLanguageChangesAndStoresNothing) {
+TEST_F(SettingsWindow, TranslatesItselfWhenTheLanguageChangesAndStoresNothing) {
   becomeEdition("Quorvix");
   store("en", "mdm", "4000");
   const std::string before = doubles::ScratchFolder::read(plist_);
@@ -253,9 +253,9 @@ TEST_F(SettingsWindow, RelabelsItselfWhenTheLanguageChangesAndStoresNothing) {
   [outlet<NSPopUpButton>(controller, "selectLanguage") selectItemAtIndex:3];
   [controller languageAction:nil];
   EXPECT_EQ(app::appStatics().lang, Language::Ge);
-  EXPECT_EQ(texts(controller),
-            catalogueTexts("Ge", "Oskel-" + catalogueString("Ge", "Common", "server"),
-                           "ip oder Hostname", kAll));
+  EXPECT_EQ(strings(controller),
+            catalogueStrings("Ge", "Oskel-" + catalogueString("Ge", "Common", "server"),
+                             "ip oder Hostname", kAll));
   EXPECT_EQ(recordingShell().commands.size(), commands);
   EXPECT_EQ(doubles::ScratchFolder::read(plist_), before);
 }
@@ -270,7 +270,7 @@ TEST_F(SettingsWindow, TakesGermanFromTheSecondItemInTollwick) {
   EXPECT_EQ([controller getLanguage], Language::En);
 }
 
-TEST_F(SettingsWindow, KeepsEveryTextWithoutAUsableCatalogueButTrimsAndSelects) {
+TEST_F(SettingsWindow, KeepsEveryStringWithoutAUsableCatalogueButTrimsAndSelects) {
   store("fr", "mdm", "4000");
   setCatalogue("not JSON");
   testing::internal::CaptureStderr();
@@ -286,10 +286,10 @@ TEST_F(SettingsWindow, KeepsEveryTextWithoutAUsableCatalogueButTrimsAndSelects) 
   EXPECT_EQ(fieldText(controller, "port_label"), "Port:");
 }
 
-TEST_F(SettingsWindow, KeepsEveryTextWhenOneLanguageOfTheCatalogueLacksAKey) {
+TEST_F(SettingsWindow, KeepsEveryStringWhenOneLanguageOfTheCatalogueLacksAKey) {
   store("fr", "mdm", "4000");
   ServerWindowController *controller = openSettings();
-  const std::string before = texts(controller);
+  const std::string before = strings(controller);
   std::string catalogue = doubles::ScratchFolder::read(RESOURCES "/translate.json");
   const std::size_t italian = catalogue.find("\"It\"");
   catalogue.replace(catalogue.find("\"reset_settings\"", italian), 16, "\"reset_setting\"");
@@ -299,10 +299,52 @@ TEST_F(SettingsWindow, KeepsEveryTextWhenOneLanguageOfTheCatalogueLacksAKey) {
   [controller languageAction:nil];
   EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
       " error to get language: It.Common.reset_settings: missing\n"));
-  EXPECT_EQ(texts(controller), before);
+  EXPECT_EQ(strings(controller), before);
 }
 
-TEST_F(SettingsWindow, ShowsAnEmptyCatalogueTextAsAnEmptyText) {
+TEST_F(SettingsWindow, SelectsByTheCodeAloneWhateverWasSelectedBefore) {
+  struct {
+    const char *oem;
+    SEL changeLanguage;
+    std::vector<std::pair<NSInteger, Language>> choices;  // for the codes below
+  } const rows[] = {
+      {"Quorvix",
+       @selector(changeLanguageOskel:),
+       {{4, Language::Es}, {0, Language::En}, {3, Language::Ge}, {0, Language::En}}},
+      {"Zentavo",
+       @selector(changeLanguageZentavo:),
+       {{1, Language::Fr}, {0, Language::En}, {1, Language::Fr}, {1, Language::Fr}}},
+      {"Fennrow",
+       @selector(changeLanguageFennrow:),
+       {{0, Language::En}, {0, Language::En}, {0, Language::En}, {0, Language::En}}},
+      {"Tollwick",
+       @selector(changeLanguageTollwick:),
+       {{1, Language::Ge}, {0, Language::En}, {1, Language::Ge}, {1, Language::Ge}}},
+  };
+  for (const auto &row : rows) {
+    becomeEdition(row.oem);
+    ServerWindowController *controller = openSettings();
+    auto expected = row.choices.begin();
+    for (NSString *code in @[ @"es", @"en", @"de", @"xx" ]) {
+      [controller performSelector:row.changeLanguage withObject:code];
+      EXPECT_EQ(selectedItem(controller), expected->first) << row.oem << app::utf8(code);
+      EXPECT_EQ(app::appStatics().lang, expected->second) << row.oem << app::utf8(code);
+      ++expected;
+    }
+  }
+}
+
+TEST_F(SettingsWindow, ReadsTheCatalogueOnEachTranslation) {
+  store("en", "", "6000");
+  ServerWindowController *controller = openSettings();
+  std::string catalogue = doubles::ScratchFolder::read(RESOURCES "/translate.json");
+  catalogue.replace(catalogue.find("\"Apply\""), 7, "\"Applied\"");
+  setCatalogue(catalogue);
+  [controller translate];
+  EXPECT_EQ(buttonTitle(controller, "Apply_button"), "Applied");
+}
+
+TEST_F(SettingsWindow, ShowsAnEmptyStringOfTheCatalogue) {
   store("en", "", "6000");
   std::string catalogue = doubles::ScratchFolder::read(RESOURCES "/translate.json");
   const std::string quit = "\"quit\": \"" + catalogueString("En", "Common", "quit") + "\"";
@@ -325,7 +367,7 @@ TEST_F(SettingsWindow, CannotBeClosed) {
   EXPECT_TRUE([[controller window] isVisible]);
 }
 
-TEST_F(SettingsWindow, HasTheDefaultPortHoweverItsControllerIsMade) {
+TEST_F(SettingsWindow, HasTheDefaultPortWhicheverInitialiserMakesItsController) {
   NSMutableData *archive = [NSMutableData data];
   NSKeyedArchiver *archiver =
       [[[NSKeyedArchiver alloc] initForWritingWithMutableData:archive] autorelease];

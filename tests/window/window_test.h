@@ -33,6 +33,8 @@ class WindowTest : public testing::Test {
   /// Replaces translate.json in the test program's own bundle until the end of the test.
   static void setCatalogue(const std::string &json);
   static void removeCatalogue();
+  /// Takes every right to the file from this process; for a test that ends it.
+  static void lockCatalogue();
 
   /// The delegate with its login window loaded, as `main` does it, before the launch.
   AppDelegate *loadLogin();
@@ -70,6 +72,18 @@ NSEvent *returnKey(NSWindow *window);
 
 /// Presses Return in the window as the keyboard would.
 void pressReturn(NSWindow *window);
+
+/// Removes a resource from the test program's own bundle while it lives.
+class MissingResource {
+ public:
+  explicit MissingResource(const std::string &name);
+  ~MissingResource();
+  MissingResource(const MissingResource &) = delete;
+  MissingResource &operator=(const MissingResource &) = delete;
+
+ private:
+  std::string path_;
+};
 
 /// Runs the application's loop and sends the message from within it: ending a program works only
 /// there. Returns when nothing ended it for some seconds.

@@ -9,12 +9,19 @@
 #include "doubles/fake_server_plist_path.h"
 #include "doubles/recording_shell.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace windowtest {
 namespace {
 
-std::string cataloguePath() {
-  return app::utf8([[NSBundle mainBundle] resourcePath]) + "/translate.json";
+constexpr uid_t kNobody = 65534;
+
+std::string resourcePath(const std::string &name) {
+  return app::utf8([[NSBundle mainBundle] resourcePath]) + "/" + name;
 }
+
+std::string cataloguePath() { return resourcePath("translate.json"); }
 
 }  // namespace
 
@@ -52,10 +59,17 @@ void WindowTest::store(const std::string &language, const std::string &server,
 void WindowTest::storeNothing() { std::filesystem::remove(plist_); }
 
 void WindowTest::setCatalogue(const std::string &json) {
+  removeCatalogue();
   std::ofstream(cataloguePath(), std::ios::binary) << json;
 }
 
 void WindowTest::removeCatalogue() { std::filesystem::remove(cataloguePath()); }
+
+void WindowTest::lockCatalogue() {
+  ASSERT_EQ(::chmod(cataloguePath().c_str(), 0), 0);
+  // Root may read it all the same.
+  if (::geteuid() == 0) ASSERT_EQ(::setuid(kNobody), 0);
+}
 
 AppDelegate *WindowTest::loadLogin() {
   AppDelegate *delegate = [[AppDelegate alloc] init];
@@ -79,6 +93,14 @@ ServerWindowController *WindowTest::openSettings() {
   [controller showWindow:nil];
   return controller;
 }
+
+MissingResource::MissingResource(const std::string &name) : path_(resourcePath(name)) {
+  // A test that ends the process runs once more in a copy of it, for which the file is gone already.
+  std::error_code ignored;
+  std::filesystem::rename(path_, path_ + ".removed", ignored);
+}
+
+MissingResource::~MissingResource() { std::filesystem::rename(path_ + ".removed", path_); }
 
 void disconnect(id owner, const char *name) {
   [owner setValue:nil forKey:[NSString stringWithUTF8String:name]];
