@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 
 namespace platform {
 namespace {
@@ -16,23 +17,30 @@ std::string localeNames(const Environment &environment) {
 }
 
 /// "de_CH.UTF-8@euro" becomes "de-CH".
-std::string tagOfLocale(std::string locale) {
+std::string tagFromLocale(std::string locale) {
   locale.resize(std::min(locale.find_first_of(".@"), locale.size()));
   std::replace(locale.begin(), locale.end(), '_', '-');
   return locale == "C" || locale == "POSIX" ? "en" : locale;
+}
+
+std::vector<std::string> tagsFromEnvironment(const Environment &environment) {
+  std::vector<std::string> tags;
+  std::istringstream names(localeNames(environment));
+  for (std::string name; std::getline(names, name, ':');) {
+    const std::string tag = tagFromLocale(name);
+    if (!tag.empty()) tags.push_back(tag);
+  }
+  return tags;
 }
 
 bool isEnglish(const std::string &tag) { return tag == "en" || tag.starts_with("en-"); }
 
 }  // namespace
 
-std::vector<std::string> preferredLanguages(const Environment &environment) {
-  std::vector<std::string> tags;
-  std::istringstream names(localeNames(environment));
-  for (std::string name; std::getline(names, name, ':');) {
-    const std::string tag = tagOfLocale(name);
-    if (!tag.empty()) tags.push_back(tag);
-  }
+std::vector<std::string> preferredLanguages(std::vector<std::string> chosen,
+                                            const Environment &environment) {
+  std::vector<std::string> tags =
+      chosen.empty() ? tagsFromEnvironment(environment) : std::move(chosen);
   if (std::none_of(tags.begin(), tags.end(), isEnglish)) tags.emplace_back("en");
   return tags;
 }

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace {
 
-NSEvent *keyDown(NSWindow *window, NSString *characters) {
+NSEvent *keyDown(NSWindow *window, NSString *characters, NSUInteger modifiers = 0) {
   return [NSEvent keyEventWithType:NSEventTypeKeyDown
                           location:NSZeroPoint
-                     modifierFlags:0
+                     modifierFlags:modifiers
                          timestamp:0
                       windowNumber:[window windowNumber]
                            context:nil
@@ -26,6 +28,18 @@ NSWindow *windowWith(NSView *view) {
   [[window contentView] addSubview:view];
   [window makeKeyAndOrderFront:nil];
   return window;
+}
+
+/// The first row of a picture in which there is text; its height when there is none.
+NSInteger firstDarkRow(NSBitmapImageRep *picture) {
+  for (NSInteger y = 0; y < [picture pixelsHigh]; ++y) {
+    for (NSInteger x = 0; x < [picture pixelsWide]; ++x) {
+      NSUInteger pixel[4] = {};
+      [picture getPixel:pixel atX:x y:y];
+      if (pixel[0] < 128) return y;
+    }
+  }
+  return [picture pixelsHigh];
 }
 
 TEST(TextField, ReportsWhatIsBeingTypedAtOnce) {
@@ -54,6 +68,42 @@ TEST(TextField, ShowsAValueThatIsSetWhileItIsBeingEdited) {
   EXPECT_STREQ([[field stringValue] UTF8String], "6000");
   [window makeFirstResponder:nil];
   EXPECT_STREQ([[field stringValue] UTF8String], "6000");
+  [window orderOut:nil];
+}
+
+TEST(TextField, TypesNothingWhileCommandIsDown) {
+  [[NSApplication sharedApplication] finishLaunching];
+  NSTextField *field =
+      [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 200, 24)] autorelease];
+  [field setStringValue:@"kept"];
+  NSWindow *window = windowWith(field);
+  for (NSString *character : {@"c", @"v", @"x", @"ß"}) {
+    [window sendEvent:keyDown(window, character, NSEventModifierFlagCommand)];
+  }
+  EXPECT_STREQ([[field stringValue] UTF8String], "kept");
+  [window sendEvent:keyDown(window, @"@", NSEventModifierFlagOption)];
+  EXPECT_STREQ([[field stringValue] UTF8String], "@") << "of a third level of the keyboard";
+  [window orderOut:nil];
+}
+
+TEST(TextField, KeepsItsTextInPlaceWhileItIsBeingEdited) {
+  NSTextField *field =
+      [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 200, 22)] autorelease];
+  [field setStringValue:@"6000"];
+  NSWindow *window = windowWith(field);
+  std::set<NSInteger> tops;
+  for (NSResponder *responder : {static_cast<NSResponder *>(field), static_cast<NSResponder *>(nil)}) {
+    [window makeFirstResponder:responder];
+    // Without the selection's colour.
+    [[field currentEditor] setSelectedRange:NSMakeRange(4, 0)];
+    [window display];
+    [[window contentView] lockFocus];
+    NSBitmapImageRep *picture = [[[NSBitmapImageRep alloc]
+        initWithFocusedViewRect:NSMakeRect(13, 13, 30, 16)] autorelease];
+    [[window contentView] unlockFocus];
+    tops.insert(firstDarkRow(picture));
+  }
+  EXPECT_EQ(tops.size(), 1U);
   [window orderOut:nil];
 }
 

@@ -72,4 +72,17 @@ TEST(Locale, PrefersTheLanguageOfTheEnvironment) {
   EXPECT_TRUE([[NSLocale preferredLanguages] isEqual:expected]);
 }
 
+TEST(Locale, PrefersTheLanguagesThatTheUserHasOrdered) {
+  NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
+  NSDictionary *before = [defaults volatileDomainForName:NSArgumentDomain];
+  NSArray *order = [NSArray arrayWithObjects:@"Spanish", @"de-CH", @"", nil];
+  [defaults removeVolatileDomainForName:NSArgumentDomain];
+  [defaults setVolatileDomain:[NSDictionary dictionaryWithObject:order forKey:@"NSLanguages"]
+                      forName:NSArgumentDomain];
+  NSArray *expected = [NSArray arrayWithObjects:@"es", @"de-CH", @"en", nil];
+  EXPECT_TRUE([[NSLocale preferredLanguages] isEqual:expected]);
+  [defaults removeVolatileDomainForName:NSArgumentDomain];
+  [defaults setVolatileDomain:before forName:NSArgumentDomain];
+}
+
 }  // namespace

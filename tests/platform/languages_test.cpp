@@ -40,8 +40,16 @@ TEST(PreferredLanguages, FollowTheEnvironment) {
       const auto found = row.environment.find(name);
       return found == row.environment.end() ? std::string() : found->second;
     };
-    EXPECT_EQ(platform::preferredLanguages(environment), row.expected);
+    EXPECT_EQ(platform::preferredLanguages({}, environment), row.expected);
   }
+}
+
+TEST(PreferredLanguages, FollowTheUsersOwnListFirst) {
+  const auto french = [](const char *name) {
+    return std::string(name) == "LANG" ? "fr_FR.UTF-8" : "";
+  };
+  EXPECT_EQ(platform::preferredLanguages({"de", "es"}, french), (Languages{"de", "es", "en"}));
+  EXPECT_EQ(platform::preferredLanguages({"en", "de"}, french), (Languages{"en", "de"}));
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ class Theme : public testing::Test {
   /// The window's colour there, as "red green blue" in 0 to 255, once all of it is drawn.
   std::string colour(CGFloat x, CGFloat y) {
     [window_ orderFront:nil];
-    [window_ display];
+    [window_ displayIfNeeded];
     NSView *view = [window_ contentView];
     [view lockFocus];
     NSBitmapImageRep *picture = [[[NSBitmapImageRep alloc]

@@ -200,6 +200,7 @@ IMAGES = [
     ("common_SwitchOff", 18, 16, check_box(mark=False)),
     ("common_SwitchOn", 18, 16, check_box(mark=True)),
     ("common_2DCheckMark", 10, 11, menu_mark(TEXT)),
+    ("common_2DCheckMarkH", 10, 11, menu_mark("#ffffff")),
     ("common_2DDash", 10, 11, f'<path d="M 1.5 5.5 h 7" stroke="{TEXT}" stroke-width="1.6"/>'),
     ("common_3DArrowRight", 8, 10, f'<path d="M 2 1 l 4 4 l -4 4 z" fill="{TEXT}"/>'),
     ("common_3DArrowRightH", 8, 10, '<path d="M 2 1 l 4 4 l -4 4 z" fill="#ffffff"/>'),

@@ -1,0 +1,150 @@
+#import <AppKit/AppKit.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+@interface ItemCounter : NSObject {
+ @public
+  int count;
+}
+- (void)countItem:(id)sender;
+@end
+
+@implementation ItemCounter
+- (void)countItem:(id)sender {
+  (void)sender;
+  ++count;
+}
+@end
+
+namespace {
+
+class PopUpButton : public testing::Test {
+ protected:
+  PopUpButton() {
+    [[NSApplication sharedApplication] finishLaunching];
+    popUp_ = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(20, 100, 120, 25)] autorelease];
+    [popUp_ addItemsWithTitles:[NSArray arrayWithObjects:@"first", @"second", @"third", nil]];
+    counter_ = [[[ItemCounter alloc] init] autorelease];
+    [popUp_ setTarget:counter_];
+    [popUp_ setAction:@selector(countItem:)];
+    window_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 300, 200)
+                                          styleMask:NSWindowStyleMaskTitled
+                                            backing:NSBackingStoreBuffered
+                                              defer:NO];
+    [window_ setReleasedWhenClosed:NO];
+    [[window_ contentView] addSubview:popUp_];
+    [window_ orderFront:nil];
+  }
+  ~PopUpButton() override {
+    [window_ orderOut:nil];
+    [window_ release];
+  }
+
+  /// A mouse event so many items below the closed pop-up's middle, so many seconds after the first.
+  NSEvent *mouse(NSEventType type, int items = 0, NSTimeInterval time = 0) {
+    return [NSEvent mouseEventWithType:type
+                              location:NSMakePoint(60, 112 - 25 * items)
+                         modifierFlags:0
+                             timestamp:1000 + time
+                          windowNumber:[window_ windowNumber]
+                               context:nil
+                           eventNumber:0
+                            clickCount:1
+                              pressure:1];
+  }
+
+  NSEvent *key(NSString *characters) {
+    return [NSEvent keyEventWithType:NSEventTypeKeyDown
+                            location:NSZeroPoint
+                       modifierFlags:0
+                           timestamp:0
+                        windowNumber:[window_ windowNumber]
+                             context:nil
+                          characters:characters
+         charactersIgnoringModifiers:characters
+                           isARepeat:NO
+                             keyCode:0];
+  }
+
+  static NSString *character(unichar value) {
+    return [NSString stringWithCharacters:&value length:1];
+  }
+
+  /// Presses the mouse on the pop-up; the events follow while the menu is open.
+  void press(std::initializer_list<NSEvent *> events) {
+    for (NSEvent *event : events) [NSApp postEvent:event atStart:NO];
+    [popUp_ mouseDown:mouse(NSLeftMouseDown)];
+    checkIsOver();
+  }
+
+  void checkIsOver() {
+    EXPECT_FALSE([[[[popUp_ menu] menuRepresentation] window] isVisible]);
+    NSEvent *left = [NSApp nextEventMatchingMask:NSKeyDownMask | NSLeftMouseUpMask
+                                       untilDate:[NSDate distantPast]
+                                          inMode:NSDefaultRunLoopMode
+                                         dequeue:YES];
+    EXPECT_TRUE(left == nil) << "the menu was closed before its last event";
+  }
+
+  NSPopUpButton *popUp_;
+  ItemCounter *counter_;
+  NSWindow *window_;
+};
+
+TEST_F(PopUpButton, StaysOpenAfterAClick) {
+  press({mouse(NSLeftMouseUp, 0, 0.1), key(character(NSDownArrowFunctionKey)), key(@"\r")});
+  EXPECT_EQ([popUp_ indexOfSelectedItem], 1);
+  EXPECT_EQ(counter_->count, 1);
+}
+
+TEST_F(PopUpButton, TakesTheItemThatIsClickedInTheOpenMenu) {
+  press({mouse(NSLeftMouseUp, 0, 0.1), mouse(NSLeftMouseDown, 2, 1), mouse(NSLeftMouseUp, 2, 1.1)});
+  EXPECT_EQ([popUp_ indexOfSelectedItem], 2);
+  EXPECT_EQ(counter_->count, 1);
+}
+
+TEST_F(PopUpButton, TakesTheItemWhereAHeldButtonIsReleased) {
+  press({mouse(NSLeftMouseDragged, 1, 0.1), mouse(NSLeftMouseUp, 1, 0.2)});
+  EXPECT_EQ([popUp_ indexOfSelectedItem], 1) << "soon, but elsewhere";
+  press({mouse(NSLeftMouseUp, 0, 2)});
+  EXPECT_EQ([popUp_ indexOfSelectedItem], 1) << "late, on the same item";
+  EXPECT_EQ(counter_->count, 2);
+}
+
+TEST_F(PopUpButton, KeepsItsItemWhenTheMouseIsPressedOrReleasedOutsideTheMenu) {
+  press({mouse(NSLeftMouseDragged, 7, 0.1), mouse(NSLeftMouseUp, 7, 0.2)});
+  press({mouse(NSLeftMouseUp, 0, 0.1), mouse(NSLeftMouseDown, 7, 1)});
+  EXPECT_EQ([popUp_ indexOfSelectedItem], 0);
+  EXPECT_EQ(counter_->count, 0);
+}
+
+TEST_F(PopUpButton, KeepsTheKeysOfItsOpenMenuFromTheWindow) {
+  ItemCounter *pressed = [[[ItemCounter alloc] init] autorelease];
+  for (NSString *equivalent : {@"\r", @"\e"}) {
+    NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(20, 20, 90, 32)] autorelease];
+    [button setKeyEquivalent:equivalent];
+    [button setTarget:pressed];
+    [button setAction:@selector(countItem:)];
+    [[window_ contentView] addSubview:button];
+  }
+  for (NSString *last : {@"\r", @"\e"}) {
+    [NSApp postEvent:key(character(NSDownArrowFunctionKey)) atStart:NO];
+    [NSApp postEvent:key(last) atStart:NO];
+    [popUp_ keyDown:key(@" ")];
+    checkIsOver();
+    EXPECT_EQ([popUp_ indexOfSelectedItem], 1);
+  }
+  EXPECT_EQ(counter_->count, 1) << "Escape takes nothing";
+  EXPECT_EQ(pressed->count, 0);
+}
+
+TEST_F(PopUpButton, MarksItsItemWhenItIsOpenedForTheFirstTime) {
+  NSMenuItem *item = static_cast<NSMenuItem *>([popUp_ selectedItem]);
+  [item setChangesState:NO];  // as after an interface file
+  press({mouse(NSLeftMouseUp, 0, 0.1), key(@"\e")});
+  EXPECT_TRUE([item changesState]);
+}
+
+}  // namespace
