@@ -1,0 +1,109 @@
+"""The machines of lab/fleet, as root of the outer lab sees them."""
+
+import json
+import os
+import plistlib
+import signal
+import subprocess
+from concurrent.futures import ThreadPoolExecutor
+from contextlib import suppress
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Callable, Iterable
+
+from driver.editions import EDITIONS
+from driver.machine import AGENT, DAEMON, SERVER_PLIST, Job
+from driver.paths import LAB
+
+TOOL = EDITIONS["Zentavo"].program.parent / "configure-agent"
+AGENT_FOLDER = Path(EDITIONS["Zentavo"].folder).parent
+ALL_JOBS = {DAEMON, AGENT}
+
+
+@dataclass(frozen=True)
+class Mac:
+    """One machine. Works without the network, and also while its sshd is down."""
+
+    name: str
+    pid: int
+
+    def run(self, *command: object, check: bool = True) -> str:
+        """Runs a command as root on the machine and returns what it prints."""
+        enter = ["nsenter", f"--target={self.pid}", "--all"]
+        return subprocess.run(
+            [*enter, *map(str, command)],
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
+            check=check,
+            timeout=60,
+        ).stdout
+
+    def shell(self, script: str) -> str:
+        return self.run("/bin/bash", "-c", script)
+
+    def path(self, path: Path | str) -> Path:
+        """The machine's file, as seen from here."""
+        return Path(f"/proc/{self.pid}/root{path}")
+
+    def loaded(self) -> set[Job]:
+        """The launchd jobs that are loaded."""
+        base = self.path("/var/lab/launchd")
+        files = [file for file in base.rglob("*") if file.is_file()]
+        return {Job(str(file.parent.relative_to(base)), file.name) for file in files}
+
+    def settings(self) -> dict[str, object]:
+        """The stored settings; empty if there are none."""
+        file = self.path(SERVER_PLIST)
+        return plistlib.loads(file.read_bytes()) if file.exists() else {}
+
+    def commands(self) -> list[str]:
+        """The command lines in the journal."""
+        text = self.path("/var/lab/journal").read_text(errors="replace")
+        return [" ".join(json.loads(line)["argv"]) for line in text.splitlines()]
+
+    def add_fault(self, rule: str) -> None:
+        """Adds a fault rule, as described in lab/README.md."""
+        with self.path("/var/lab/faults").open("a") as faults:
+            faults.write(rule + "\n")
+
+    def is_busy(self) -> bool:
+        """Whether configure-agent runs on the machine."""
+        return any(b"configure-agent\0" in line for _, line in _command_lines(self.path("/proc")))
+
+    def reset(self) -> None:
+        """Goes back to the state right after the agent was installed."""
+        self.run(LAB / "install-agent")
+
+
+def _command_lines(proc: Path) -> Iterable[tuple[int, bytes]]:
+    for folder in proc.glob("[0-9]*"):
+        try:
+            yield int(folder.name), (folder / "cmdline").read_bytes()
+        except OSError:
+            pass
+
+
+def find_macs() -> list[Mac]:
+    """The machines that run now, in their order."""
+    macs = {}
+    for pid, line in _command_lines(Path("/proc")):
+        # lab/run and lab/enter have the same words further on.
+        _, program, *words = [*line.split(b"\0"), b""]
+        if program == os.fsencode(LAB / "fleet-machine"):
+            macs[int(words[0])] = Mac(f"mac{int(words[0])}", pid)
+    return [mac for _, mac in sorted(macs.items())]
+
+
+def kill_processes(*beginnings: bytes) -> None:
+    """Kills the processes of this lab and of its machines whose command line begins like one of these."""
+    for pid, line in _command_lines(Path("/proc")):
+        if line.startswith(beginnings):
+            with suppress(ProcessLookupError):
+                os.kill(pid, signal.SIGKILL)
+
+
+def on_each(macs: Iterable[Mac], action: Callable[[Mac], object]) -> None:
+    """Does something on several machines at the same time."""
+    with ThreadPoolExecutor(8) as pool:
+        list(pool.map(action, macs))
