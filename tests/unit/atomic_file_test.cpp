@@ -39,7 +39,7 @@ TEST_F(AtomicFile, GetsMode644WhateverTheUmaskWhenItIsNew) {
 }
 
 TEST_F(AtomicFile, KeepsThePermissionsOfTheOldOne) {
-  for (const mode_t mode : {0600U, 0664U, 0444U}) {
+  for (const mode_t mode : {0600U, 0664U, 0444U, 04644U}) {
     folder_.write("target", "old");
     ASSERT_EQ(::chmod(path_.c_str(), mode), 0);
     EXPECT_FALSE(agent::writeFileAtomically(path_, "new"));

@@ -109,6 +109,7 @@ TEST_F(ServerPlistFile, IsReportedWithPathAndErrorWhenItCannotBeWritten) {
 TEST_F(ServerPlistFile, IsNotWrittenAndNothingIsPrintedWithoutALibraryFolder) {
   doubles::setServerPlistPath(std::nullopt);
   EXPECT_EQ(generateAndReturnErrors(values_), "");
+  EXPECT_FALSE(agent::generateServerPlistFile(values_));
   EXPECT_TRUE(std::filesystem::is_empty(folder_.path()));
 }
 
