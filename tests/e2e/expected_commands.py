@@ -39,7 +39,7 @@ def _as_root(runner: str, admin: Account, command: str, ending: str = "") -> lis
 def _as_console_user(
     runner: str, user: str, uid: int | str, command: str, ending: str = ""
 ) -> list[Command]:
-    """A command in the console user's session, which is open to that user only."""
+    """A command in the console user's session, which is open to that user and to root only."""
     line = f'/bin/launchctl asuser {uid} /usr/bin/sudo -u "{user}" {command}{ending}'
     words = tuple(command.split())
     sudo = ("/usr/bin/sudo", "-u", user, *words)
@@ -47,9 +47,9 @@ def _as_console_user(
         Command(runner, ("/bin/bash", "-c", line)),
         Command(runner, ("/bin/launchctl", "asuser", str(uid), *sudo)),
         Command(runner, sudo),
-        Command(runner, words),
+        Command(user, words),
     ]
-    return steps if runner == user else steps[:2]
+    return steps if runner in (user, "root") else steps[:2]
 
 
 def profile_check(runner: str, admin: Account, edition: Edition) -> list[Command]:
