@@ -6,8 +6,9 @@ Started by script/theme. Everything is drawn from vectors below, in points; one 
 import argparse
 import plistlib
 import subprocess
+from collections.abc import Mapping
 from pathlib import Path
-from typing import NamedTuple
+from typing import Any, NamedTuple
 
 ACCENT = "#0a7aff"
 WINDOW = "#ececec"
@@ -85,7 +86,7 @@ DEFAULT_BUTTONS = {
 }
 
 
-def with_focus(looks: dict) -> dict:
+def with_focus(looks: Mapping[str, tuple[Any, ...]]) -> dict[str, tuple[Any, ...]]:
     """Each look also with the ring, by the names that GNUstep has for the states of a control."""
     all_looks = {state: (*look, False) for state, look in looks.items()}
     all_looks["FirstResponder"] = (*looks[""], True)
@@ -95,7 +96,7 @@ def with_focus(looks: dict) -> dict:
     return all_looks
 
 
-def push_buttons(name: str, looks: dict) -> list[Tile]:
+def push_buttons(name: str, looks: Mapping[str, tuple[Any, ...]]) -> list[Tile]:
     """Buttons of 20 points within frames of 32, as on macOS."""
     tiles = []
     box = (6, 4, 16, 20)
@@ -265,7 +266,7 @@ def nine_patch(tile: Tile) -> str:
     """The tile within a frame of one point, in which lines tell GNUstep what to stretch (left and
     top) and where the control's text goes (right and bottom)."""
     wide, high = tile.width + 2, tile.height + 2
-    marks = []
+    marks: list[tuple[float, float, float, float]] = []
     for insets, across, down in ((tile.stretch, 0, 0), (tile.content, high - 1, wide - 1)):
         length = tile.width - insets.left - insets.right
         marks.append((insets.left + 1, across, length, 1))
