@@ -45,7 +45,7 @@ class Window:
         return [self._display.pixel(left + i, y + j) for i in range(width) for j in (-2, 0, 2)]
 
     def is_empty(self, outlet: str) -> bool:
-        """Whether a text field shows no text. (The insertion point stands left of the region.)"""
+        """Whether a text field shows no text. (The insertion point is left of the region.)"""
         return all(min(colour) > 128 for colour in self._region(outlet, 40))
 
     def shows_text(self, outlet: str) -> bool:

@@ -99,9 +99,9 @@ class Ready:
 
     def settings(self) -> dict[str, str]:
         """What has become of the agent's settings files."""
-        texts = {file.name: file.read_text() for file in SETTINGS.iterdir()}
+        contents = {file.name: file.read_text() for file in SETTINGS.iterdir()}
         kinds = {name: {text: "installed", "": "empty"} for name, text in self._installed.items()}
-        return {name: kinds[name].get(text, "generated") for name, text in texts.items()}
+        return {name: kinds[name].get(text, "generated") for name, text in contents.items()}
 
     def check_end(self, expected: ApplyModel = CLEAN, error: str | None = None) -> None:
         """Waits for the end of the program: it succeeds, leaves no process, and has done everything

@@ -297,7 +297,7 @@ def test_the_file_is_new_or_nothing_has_changed(
 @pytest.mark.parametrize(
     ("pages", "names", "fits"),
     [(0, 9, False), (1, 9, False), (2, 9, False), (3, 0, False), (3, 9, True)],
-    ids=["full", "room_for_a_third", "room_for_two_thirds", "no_room_for_a_name", "room"],
+    ids=["full", "a_third_fits", "two_thirds_fit", "no_name_fits", "everything_fits"],
 )
 def test_a_file_that_does_not_fit_is_not_begun(
     machine: Machine,
@@ -320,8 +320,8 @@ def test_a_file_that_does_not_fit_is_not_begun(
     SERVER_PLIST.unlink()
     mount(f"size={(pages + 2) * PAGE}", f"nr_inodes={names + 3}")
     (PREFERENCES / "filler").write_bytes(bytes(PAGE))
-    room = os.statvfs(PREFERENCES)
-    assert (room.f_bavail, room.f_ffree) == (pages, names)
+    free = os.statvfs(PREFERENCES)
+    assert (free.f_bavail, free.f_ffree) == (pages, names)
     before = entries()
     # The pop-up has the keyboard.
     ready.window.click("Apply_button")
