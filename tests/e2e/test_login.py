@@ -3,19 +3,30 @@
 import functools
 import shutil
 import signal
-
-from collections.abc import Callable
+import subprocess
+from collections.abc import Callable, Iterator
+from pathlib import Path
 
 import pytest
 from driver.display import Display
 from driver.editions import EDITIONS
 from driver.machine import ACCOUNTS, Machine
-from driver.program import Program
+from driver.program import Program, Window
 from expected_commands import profile_check
 
 Start = Callable[..., Program]
 
 every_edition = pytest.mark.parametrize("edition", EDITIONS)
+
+
+def log_in(window: Window, user: str, password: str) -> None:
+    """Types a login and waits until the name is there, so that a field emptied later is seen."""
+    window.click("username")
+    window.type(user)
+    window.wait_until(functools.partial(window.shows_text, "username"), "name")
+    window.press("Tab")
+    window.type(password)
+    window.press("Return")
 
 
 @every_edition
@@ -94,6 +105,47 @@ def test_a_refused_login_empties_both_fields_and_a_right_one_may_follow(
     assert machine.journal() == profile_check("alice", ACCOUNTS["alice"], EDITIONS["Zentavo"])
 
 
+@pytest.fixture
+def own_shadow_file() -> Iterator[None]:
+    """Passwords in /etc/shadow, where they may expire. Each user can verify only their own there."""
+    files = [Path("/etc/passwd"), Path("/etc/shadow")]
+    before = [file.read_bytes() if file.exists() else None for file in files]
+    subprocess.run(["pwconv"], check=True)
+    yield
+    for file, content in zip(files, before, strict=True):
+        if content is None:
+            file.unlink()
+        else:
+            file.write_bytes(content)
+
+
+@pytest.mark.parametrize(
+    ("change", "password", "accepted"),
+    [
+        (["true"], "bob-pw", True),
+        (["chage", "--expiredate", "2020-01-01", "bob"], "bob-pw", False),
+        (["chage", "--lastday", "0", "bob"], "bob-pw", False),
+        (["usermod", "--lock", "bob"], "bob-pw", False),
+        (["passwd", "--delete", "bob"], "", True),
+        (["passwd", "--delete", "bob"], "bob-pw", False),
+    ],
+    ids=["usable", "expired", "password expired", "locked", "no password", "no password, one typed"],
+)
+def test_an_account_has_to_be_usable(
+    start: Start, own_shadow_file: None, change: list[str], password: str, accepted: bool
+) -> None:
+    subprocess.run([*change], check=True, stdout=subprocess.DEVNULL)
+    program = start(user="bob")
+    window = program.login_window()
+    log_in(window, "bob", password)
+    if accepted:
+        program.settings_window().click("Quit_button")
+    else:
+        window.wait_until(functools.partial(window.is_empty, "username"), "name emptied")
+        window.click("QuitButton")
+    assert program.wait() == 0
+
+
 def test_another_administrator_may_log_in_but_sudo_wants_the_runners_own_password(
     machine: Machine, start: Start
 ) -> None:
@@ -109,11 +161,7 @@ def test_profiles_that_answer_in_another_encoding_stop_the_program_without_its_s
 ) -> None:
     machine.add_fault("profiles", prints=b"\xe9\n")
     program = start()
-    window = program.login_window()
-    window.type("alice")
-    window.press("Tab")
-    window.type("alice-pw")
-    window.press("Return")
+    log_in(program.login_window(), "alice", "alice-pw")
     assert program.wait() == -signal.SIGABRT
     # That no password is printed is checked for every program; here the whole line is known.
     assert program.errors.splitlines()[-1] == "fatal error: output of /bin/sh is not UTF-8"
