@@ -44,10 +44,15 @@ add_library(platform_strict INTERFACE)
 add_library(platform_gnustep INTERFACE)
 add_library(platform_gnustep_foundation INTERFACE)
 
-# Appends the file that the resource becomes in the bundle to the list of that name.
+# Appends the file that the resource becomes in the bundle to the list of that name. A resource in a
+# folder of one language stays in a folder of that name.
 function(_add_resource bundle resource list)
   cmake_path(ABSOLUTE_PATH resource NORMALIZE)
   cmake_path(GET resource FILENAME name)
+  cmake_path(GET resource PARENT_PATH folder)
+  if(folder MATCHES "/([a-z]+\\.lproj)$")
+    set(name "${CMAKE_MATCH_1}/${name}")
+  endif()
   set(make "${CMAKE_COMMAND}" -E copy "${resource}")
   if(IBTOOL AND name MATCHES "\\.xib$")
     string(REPLACE ".xib" ".nib" name "${name}")
@@ -114,11 +119,12 @@ function(platform_add_bundle target)
                RUNTIME_OUTPUT_DIRECTORY "${arg_OUTPUT_DIR}")
   target_link_libraries(${target} PRIVATE platform_api)
   if(packed)
-    mac_package_bundle(${target} "${arg_TITLE}" "${arg_IDENTIFIER}")  # install() asks for MACOSX_BUNDLE
+    mac_describe_package(${target})
   endif()
 
   set(files "")
-  foreach(resource IN LISTS arg_RESOURCES ITEMS "${resources_folder}/AppIcon.icns")
+  file(GLOB strings CONFIGURE_DEPENDS "${resources_folder}/*.lproj/InfoPlist.strings")
+  foreach(resource IN LISTS arg_RESOURCES strings ITEMS "${resources_folder}/AppIcon.icns")
     _add_resource("${bundle}" "${resource}" files)
   endforeach()
   add_custom_target(${target}_resources ALL DEPENDS ${files})

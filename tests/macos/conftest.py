@@ -1,30 +1,37 @@
 """A small program that passes every check, to be broken in one place at a time."""
 
+import json
+import os
 import shutil
 import subprocess
 import sys
+from collections.abc import Iterator
 from pathlib import Path
 
 import pytest
 
 ROOT = Path(__file__).resolve().parents[2]
+TITLE = "Zentavo Configuration Utility"
 SAMPLE = Path(__file__).with_name("sample")
+APPLE_TOOL = Path(__file__).with_name("apple_tools") / "apple_tool.py"
+APPLE_TOOLS = ("codesign", "hdiutil", "ibtool", "lipo", "otool", "pkgbuild", "pkgutil", "plutil",
+               "productbuild", "security", "sleep", "spctl", "uname", "xcrun")
 sys.path.insert(0, str(ROOT / "tools/macos_check"))
 
 
 class Sample:
     """The program's sources, its build folder, and what the checks say of it."""
 
-    def __init__(self, folder):
+    def __init__(self, folder: Path) -> None:
         self.source, self.build = folder / "source", folder / "build"
-        self.changed = {}
+        self.changed: dict[Path, str] = {}
         shutil.rmtree(self.source, ignore_errors=True)
         shutil.copytree(SAMPLE, self.source)
         template = (self.source / "CMakeLists.txt.in").read_text(encoding="utf-8")
         (self.source / "CMakeLists.txt").write_text(template.replace("@REPOSITORY@", str(ROOT)),
                                                     encoding="utf-8")
 
-    def replace(self, name, old, new):
+    def replace(self, name: str | Path, old: str, new: str) -> None:
         """Changes a file until the end of the test."""
         file = self.source / name
         text = file.read_text(encoding="utf-8")
@@ -32,33 +39,112 @@ class Sample:
         self.changed.setdefault(file, text)
         file.write_text(text.replace(old, new), encoding="utf-8")
 
-    def add_rows(self, *rows):
+    def add_rows(self, *rows: tuple[str, ...]) -> None:
         """Adds rows to the list of API until the end of the test."""
         last = "AppKit\t10.0\t-\textern int NSApplicationMain(int argc, const char *argv[]);\n"
         self.replace("api.tsv", last, last + "".join("\t".join(row) + "\n" for row in rows))
 
-    def restore(self):
+    def restore(self) -> None:
         for file, text in self.changed.items():
             file.write_text(text, encoding="utf-8")
         self.changed.clear()
 
-    def findings(self):
+    def findings(self) -> list[str]:
         """What script/check-macos would say of the sample."""
         done = subprocess.run(
             [sys.executable, ROOT / "tools/macos_check/check.py", "--source", self.source,
-             "--build", self.build, "--api", self.source / "api.tsv"],
+             "--build", self.build, "--api", self.source / "api.tsv",
+             "--test-api", self.source / "test_api.tsv"],
             text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=600)
         found = [line.removeprefix("finding: ") for line in done.stderr.splitlines()]
         assert done.returncode == (1 if found else 0), done.stdout + done.stderr
         return found
 
 
+class AppleTools:
+    """A folder of replacements for Apple's tools, which record how they are called."""
+
+    def __init__(self, folder: Path) -> None:
+        self.folder = folder
+        self.bin = folder / "bin"
+        self.bin.mkdir(parents=True)
+        for name in APPLE_TOOLS:
+            (self.bin / name).symlink_to(APPLE_TOOL)
+        self.environment = {**os.environ, "APPLE_TOOLS": str(folder),
+                            "PATH": f"{self.bin}:{os.environ['PATH']}"}
+
+    def calls(self, tool: str | None = None) -> list[list[str]]:
+        """How the tools, or one of them, have been called since the last look."""
+        file = self.folder / "calls"
+        lines = file.read_text(encoding="utf-8").splitlines() if file.exists() else []
+        calls = [json.loads(line) for line in lines]
+        return [c for c in calls if tool is None or c[0] == tool]
+
+    def forget_calls(self) -> None:
+        (self.folder / "calls").unlink(missing_ok=True)
+
+    def fail(self, *faults: str) -> None:
+        (self.folder / "faults").write_text("\n".join(faults), encoding="utf-8")
+
+    def add_identities(self, *names: str) -> None:
+        (self.folder / "identities").write_text(
+            "".join(f'  {i}) 0123456789ABCDEF "{name}"\n' for i, name in enumerate(names, 1)),
+            encoding="utf-8")
+
+    def run(self, *command: str | Path, **environment: str) -> subprocess.CompletedProcess[str]:
+        return subprocess.run([str(c) for c in command], env={**self.environment, **environment},
+                              text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=300)
+
+
+class Mac:
+    """The sample configured and built as on a Mac."""
+
+    def __init__(self, sample: Sample, folder: Path) -> None:
+        self.tools, self.tree = AppleTools(folder / "tools"), folder / "tree"
+        self.bundle = self.tree / "apps" / f"{TITLE}.app"
+        compiler = ROOT / "platform/macos/toolchain/c++"
+        self.run("cmake", "-S", sample.source, "-B", self.tree, "-G", "Ninja",
+                 f"-DCMAKE_TOOLCHAIN_FILE={ROOT / 'platform/macos/toolchain.cmake'}",
+                 f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_OBJCXX_COMPILER={compiler}",
+                 "-DMAC_ARCHITECTURE=arm64", f"-DMAC_API={sample.build / 'api'}",
+                 f"-DGTest_DIR={ROOT / 'tools/macos_check/test_headers'}",
+                 f"-DMAC_TEST_HEADERS={sample.build / 'test-headers'}",
+                 f"-DIBTOOL={self.tools.bin / 'ibtool'}", f"-DCODESIGN={self.tools.bin / 'codesign'}",
+                 "-DMAC_SIGNING_IDENTITY=Developer ID Application: Sample")
+        (self.tree / "editions.tsv").write_text("sample\tSample\n")
+        self.build()
+        self.first_calls = self.tools.calls()
+
+    def first_calls_of(self, tool: str) -> list[list[str]]:
+        """How the first build called one of Apple's tools."""
+        return [c for c in self.first_calls if c[0] == tool]
+
+    def run(self, *command: str | Path) -> None:
+        done = self.tools.run(*command)
+        assert done.returncode == 0, done.stdout + done.stderr
+
+    def build(self) -> None:
+        self.run("cmake", "--build", self.tree)
+
+    def package(self, *arguments: str, **environment: str) -> subprocess.CompletedProcess[str]:
+        return self.tools.run(ROOT / "script/package", "--built", self.tree, *(arguments or ["sample"]),
+                              **environment)
+
+
 @pytest.fixture(scope="session")
-def built_once():
+def built_once() -> Sample:
     return Sample(ROOT / "build/macos/self-test")
 
 
 @pytest.fixture
-def sample(built_once):
+def sample(built_once: Sample) -> Iterator[Sample]:
     yield built_once
     built_once.restore()
+
+
+@pytest.fixture(scope="session")
+def built_mac(built_once: Sample, tmp_path_factory: pytest.TempPathFactory) -> Mac:
+    """One build for all tests."""
+    if not (built_once.build / "apps").exists():
+        assert built_once.findings() == []  # makes the headers and stubs
+    return Mac(built_once, tmp_path_factory.mktemp("mac"))

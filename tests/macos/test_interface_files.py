@@ -3,7 +3,7 @@
 import interface_files
 import pytest
 
-XIB = "resources/Sample.xib"
+XIB = "resources/MainMenu.xib"
 HEADER = "app/Sample.h"
 OUTLET = '<outlet property="field" destination="Fie-ld-Txt" id="Own-fi-Con"/>'
 ACTION = '<action selector="press:" target="-2" id="But-ac-Con"/>'
@@ -52,7 +52,7 @@ def test_the_sample_as_it_is_has_no_finding(sample):
 @pytest.mark.parametrize("name, old, new, finding", BREAKS, ids=[b[3] for b in BREAKS])
 def test_a_break_is_found(sample, name, old, new, finding):
     sample.replace(name, old, new)
-    assert f"Sample.xib: {finding}" in interface_files.check(sample.source)
+    assert f"MainMenu.xib: {finding}" in interface_files.check(sample.source)
 
 
 def test_a_class_with_outlets_but_without_an_interface_file_is_found(sample):

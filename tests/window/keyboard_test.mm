@@ -64,7 +64,7 @@ class Keyboard : public WindowTest {
   static std::string focus(NSWindow *window, id owner) {
     id responder = [window firstResponder];
     if (![responder isKindOfClass:[NSText class]]) return nameOf(responder, owner);
-    return nameOf([responder delegate], owner);
+    return nameOf(static_cast<NSView *>([static_cast<NSText *>(responder) delegate]), owner);
   }
 
   static void checkLoop(NSWindow *window, id owner, std::size_t stops) {

@@ -78,7 +78,7 @@ TEST_F(LoginWindow, IsOnScreenAtLaunchWithTheTitleOfItsEdition) {
 TEST_F(LoginWindow, HasAnEmptyMainMenuAfterLaunch) {
   AppDelegate *delegate = loadLogin();
   EXPECT_GT([outlet<NSMenu>(delegate, "MainMenu") numberOfItems], 0);
-  [delegate applicationDidFinishLaunching:nil];
+  [delegate applicationDidFinishLaunching:launchNotification()];
   EXPECT_EQ([outlet<NSMenu>(delegate, "MainMenu") numberOfItems], 0);
 }
 
@@ -124,7 +124,7 @@ TEST_F(LoginWindow, KeepsTheStringsOfItsInterfaceFileWithoutAUsableCatalogue) {
   const std::string before = strings(delegate);
   setCatalogue("{\"En\": {}}");
   testing::internal::CaptureStderr();
-  [delegate applicationDidFinishLaunching:nil];
+  [delegate applicationDidFinishLaunching:launchNotification()];
   EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
       " error to get language: En.Common: missing\n"));
   EXPECT_EQ(strings(delegate), before);
@@ -241,7 +241,7 @@ TEST_F(LoginWindowDeathTest, StopsTheProgramWhereALaunchNeedsAMissingOutlet) {
         {
           AppDelegate *delegate = loadLogin();
           disconnect(delegate, name);
-          [delegate applicationDidFinishLaunching:nil];
+          [delegate applicationDidFinishLaunching:launchNotification()];
         },
         testing::KilledBySignal(SIGABRT),
         std::string("fatal error: outlet ") + name + " is not connected");

@@ -368,11 +368,15 @@ TEST_F(SettingsWindow, CannotBeClosed) {
 }
 
 TEST_F(SettingsWindow, HasTheDefaultPortWhicheverInitialiserMakesItsController) {
+  // GNUstep lacks the initialisers that replaced these two.
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
   NSMutableData *archive = [NSMutableData data];
   NSKeyedArchiver *archiver =
       [[[NSKeyedArchiver alloc] initForWritingWithMutableData:archive] autorelease];
   [archiver finishEncoding];
   NSCoder *coder = [[[NSKeyedUnarchiver alloc] initForReadingWithData:archive] autorelease];
+#pragma clang diagnostic pop
   for (ServerWindowController *controller : {[[ServerWindowController alloc] init],
                                              [[ServerWindowController alloc] initWithCoder:coder],
                                              [[ServerWindowController alloc] initWithWindow:nil]}) {

@@ -272,7 +272,7 @@ TEST_F(Fit, WindowsHaveAFixedSizeAndOpenInTheMiddleOfTheScreen) {
   for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
                                openSettingsIn(app::kEditions[0], Language::En)}) {
     // Closed, it would leave a program without a window.
-    EXPECT_EQ([opened.window styleMask], NSTitledWindowMask);
+    EXPECT_EQ([opened.window styleMask], NSWindowStyleMaskTitled);
     const NSRect screen = [[NSScreen mainScreen] frame];
     EXPECT_TRUE(NSContainsRect(screen, [opened.window frame]));
     EXPECT_NEAR(NSMidX([opened.window frame]), NSMidX(screen), 1);

@@ -50,6 +50,9 @@ class WindowTest : public testing::Test {
   NSAutoreleasePool *pool_ = nil;
 };
 
+/// What the delegate is given at launch.
+NSNotification *launchNotification();
+
 /// The control of that outlet; nil when it is not connected.
 template <class Control>
 Control *outlet(id owner, const char *name) {

@@ -82,9 +82,14 @@ AppDelegate *WindowTest::loadLogin() {
   return delegate;
 }
 
+NSNotification *launchNotification() {
+  return [NSNotification notificationWithName:NSApplicationDidFinishLaunchingNotification
+                                       object:NSApp];
+}
+
 AppDelegate *WindowTest::launch() {
   AppDelegate *delegate = loadLogin();
-  [delegate applicationDidFinishLaunching:nil];
+  [delegate applicationDidFinishLaunching:launchNotification()];
   return delegate;
 }
 

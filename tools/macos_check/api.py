@@ -5,6 +5,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 TABLE = Path(__file__).with_name("api.tsv")
+TEST_TABLE = Path(__file__).with_name("test_api.tsv")
 TARGETS = "[ x86_64-macos, arm64-macos ]"
 # The libraries that have a header, and what it imports.
 IMPORTS = {
@@ -13,6 +14,8 @@ IMPORTS = {
     "AppKit": ("Foundation/Foundation.h",),
     "OpenDirectory": ("Foundation/Foundation.h",),
 }
+# Those whose headers state nullability: a pointer without "nullable" takes and gives no null.
+AUDITED = ("Foundation", "AppKit")
 
 
 def version(text):
@@ -118,14 +121,11 @@ def attributes(row):
     return "" if row.extends else f"{root}{availability(row)} "
 
 
-def header(dylib, rows):
-    """The text of the library's header."""
-    mine = [r for r in rows if r.dylib == dylib]
-    classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
-    lines = ["#pragma once", *(f"#import <{name}>" for name in IMPORTS[dylib])]
-    lines += [f"@class {name};" for name in classes]
+def declarations(rows):
+    """The rows as the lines of a header."""
+    lines = []
     open_block = False
-    for row in mine:
+    for row in rows:
         if row.kind in ("symbol", "install-name"):
             continue
         if row.kind != "method" and open_block:
@@ -144,7 +144,30 @@ def header(dylib, rows):
             lines.append(f"{declaration} {availability(row)};")
         else:
             lines.append(row.declaration)
-    return "\n".join(lines + (["@end"] if open_block else [])) + "\n"
+    return lines + (["@end"] if open_block else [])
+
+
+def audited(dylib, lines):
+    """The declarations as a library states them that says of every pointer whether it may be null."""
+    if dylib not in AUDITED:
+        return lines
+    return ["#pragma clang assume_nonnull begin", *lines, "#pragma clang assume_nonnull end"]
+
+
+def header(dylib, rows):
+    """The text of the library's header."""
+    mine = [r for r in rows if r.dylib == dylib]
+    classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
+    lines = ["#pragma once", *(f"#import <{name}>" for name in IMPORTS[dylib])]
+    lines += [f"@class {name};" for name in classes]
+    return "\n".join(lines + audited(dylib, declarations(mine))) + "\n"
+
+
+def test_header(rows):
+    """The text of the header that declares what only the tests call."""
+    lines = ["#pragma once", "#import <AppKit/AppKit.h>"]
+    lines += audited("AppKit", declarations(rows))
+    return "\n".join(lines) + "\n"
 
 
 def stub(dylib, rows, wanted=()):

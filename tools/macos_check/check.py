@@ -14,81 +14,11 @@ from pathlib import Path
 import api
 import interface_files
 import macho
+from cross_build import ARCHITECTURES, ROOT, BuildFailed, CrossBuild
 
-ROOT = Path(__file__).resolve().parents[2]
-ARCHITECTURES = ("arm64", "x86_64")
-# No Mac with an Apple processor runs anything older.
-FIRST_SYSTEM = {"arm64": "11.0", "x86_64": "10.0"}
 FOREIGN = re.compile(rb"gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx", re.IGNORECASE)
 ICON_TYPES = {"is32", "s8mk", "il32", "l8mk", "ic07", "ic08", "ic09", "ic10", "ic11", "ic12", "ic13",
               "ic14"}
-
-
-class BuildFailed(Exception):
-    """Carries the compiler's and linker's own words."""
-
-
-def run(*command):
-    done = subprocess.run([str(part) for part in command], text=True, errors="replace",
-                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    if done.returncode != 0:
-        raise BuildFailed(done.stdout)
-    return done.stdout
-
-
-class CrossBuild:
-    """One build tree per architecture, and the universal bundles made of both."""
-
-    def __init__(self, source, folder, rows):
-        self.source, self.folder, self.rows = source, folder, rows
-        self.declared = folder / "api"
-        self.apps = folder / "apps"
-
-    def tree(self, architecture):
-        return self.folder / architecture
-
-    def make(self):
-        api.write_headers(self.declared, self.rows)
-        wanted = set()
-        for architecture in ARCHITECTURES:
-            wanted |= self.compile(architecture)
-        # What the C++ library must supply is known only now.
-        api.write_stubs(self.declared, self.rows, sorted(wanted))
-        for architecture in ARCHITECTURES:
-            run("ninja", "-C", self.tree(architecture))
-        shutil.rmtree(self.apps, ignore_errors=True)
-        for bundle in sorted(self.tree("arm64").glob("apps/*.app")):
-            self.join(bundle)
-
-    def compile(self, architecture):
-        """Compiles every source; the symbols that the objects leave undefined."""
-        tree, toolchain = self.tree(architecture), ROOT / "platform/macos/toolchain.cmake"
-        made = tree / "CMakeCache.txt"
-        if not made.exists() or made.stat().st_mtime < toolchain.stat().st_mtime:
-            run("cmake", "--fresh", "-S", self.source, "-B", tree, "-G", "Ninja",
-                "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF", f"-DCMAKE_TOOLCHAIN_FILE={toolchain}",
-                f"-DCMAKE_CXX_COMPILER={ROOT / 'platform/macos/toolchain/c++'}",
-                f"-DCMAKE_OBJCXX_COMPILER={ROOT / 'platform/macos/toolchain/c++'}",
-                f"-DMAC_ARCHITECTURE={architecture}", f"-DMAC_API={self.declared}")
-        run("ninja", "-C", tree, "build.ninja")
-        objects = re.findall(r"^(.+\.o): ", run("ninja", "-C", tree, "-t", "targets", "all"),
-                             re.MULTILINE)
-        run("ninja", "-C", tree, "-k", "0", *objects)
-        return set(macho.undefined([tree / o for o in objects]))
-
-    def join(self, bundle):
-        universal = self.apps / bundle.name
-        shutil.copytree(bundle, universal)
-        program = Path("Contents/MacOS") / bundle.stem
-        macho.tool("lipo", "-create", "-output", universal / program,
-                   *(self.tree(a) / "apps" / bundle.name / program for a in ARCHITECTURES))
-
-    def sources(self):
-        """The text of every file that stands in a folder of compiled sources."""
-        commands = json.loads((self.tree("arm64") / "compile_commands.json").read_text())
-        folders = {Path(c["file"]).parent for c in commands}
-        return "\n".join(f.read_text(encoding="utf-8") for folder in sorted(folders)
-                         for f in sorted(folder.iterdir()) if f.suffix in (".h", ".mm", ".cpp"))
 
 
 class Bundle:
@@ -102,9 +32,10 @@ class Bundle:
         self.slices = [macho.Slice(self.program, a, scratch)
                        for a in macho.architectures(self.program)]
 
-    def minimum(self, architecture):
-        """The oldest system on which that slice is to start."""
-        return max(self.info["LSMinimumSystemVersion"], FIRST_SYSTEM[architecture], key=api.version)
+    @property
+    def minimum(self):
+        """The oldest system on which it is to start."""
+        return self.info["LSMinimumSystemVersion"]
 
 
 def plain(symbol):
@@ -147,7 +78,7 @@ class Checks:
     def check_minimum_system(self):
         """minimum system as the property list states"""
         for bundle, part in self.slices:
-            wanted = bundle.minimum(part.architecture)
+            wanted = bundle.minimum
             if part.minimum_system != wanted:
                 yield (f"{bundle.title} ({part.architecture}): built for {part.minimum_system}, "
                        f"stated {wanted}")
@@ -163,7 +94,7 @@ class Checks:
                 elif symbol.dylib != row.dylib:
                     yield f"{where} comes from {symbol.dylib}, listed for {row.dylib}"
                 elif not symbol.weak and (api.version(row.introduced)
-                                          > api.version(bundle.minimum(part.architecture))):
+                                          > api.version(bundle.minimum)):
                     yield f"{where} came with macOS {row.introduced}"
 
     def check_selectors(self):
@@ -258,13 +189,18 @@ def examine(build, report):
     report("interface files have Xcode's form and fit their classes",
            interface_files.check(build.source))
     try:
-        build.make()
+        build.configure()
+        build.compile(of_tests=False)
+        build.link()
     except BuildFailed as failure:
-        errors = re.findall(r"^.*\berror: .*$", str(failure), re.MULTILINE)
-        report("every source compiles and links against the listed API",
-               errors or str(failure).splitlines()[-20:])
+        report("every source compiles and links against the listed API", failure.errors())
         return
     report("every source compiles and links against the listed API", [])
+    try:
+        count = build.compile(of_tests=True)
+        report(f"every source of the tests compiles ({count})", [])
+    except BuildFailed as failure:
+        report("every source of the tests compiles", failure.errors())
     with tempfile.TemporaryDirectory() as scratch:
         bundles = [Bundle(p, scratch) for p in sorted(build.apps.glob("*.app"))]
         checks = Checks(build, bundles)
@@ -280,6 +216,7 @@ def main():
     parser.add_argument("--source", type=Path, default=ROOT)
     parser.add_argument("--build", type=Path, default=ROOT / "build/macos")
     parser.add_argument("--api", type=Path, default=api.TABLE)
+    parser.add_argument("--test-api", type=Path, default=api.TEST_TABLE)
     arguments = parser.parse_args()
 
     failed = []
@@ -289,7 +226,7 @@ def main():
         failed.extend(f"{finding}" for finding in findings)
 
     examine(CrossBuild(arguments.source.resolve(), arguments.build.resolve(),
-                       api.read(arguments.api)), report)
+                       api.read(arguments.api), api.read(arguments.test_api)), report)
     for finding in failed:
         print(f"finding: {finding}", file=sys.stderr)
     return 1 if failed else 0

@@ -26,7 +26,7 @@ def architectures(path):
 def undefined(paths):
     """The undefined symbols of object files."""
     lines = tool("nm", "--undefined-only", "--format=just-symbols", *paths).splitlines()
-    return sorted({line.strip() for line in lines if line.startswith("_")})
+    return {line.strip() for line in lines if line.startswith("_")}
 
 
 @dataclass(frozen=True)

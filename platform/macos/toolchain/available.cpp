@@ -1,6 +1,6 @@
-// What @available asks the compiler's runtime where the answer is not known when compiling. Apple's
-// compiler brings this function; Zig has it only for targets from macOS 10.15 on. Needed to link,
-// and only where a guard asks for something newer than the minimum system.
+// What @available calls in the compiler's runtime where the answer is not known when compiling. The
+// cross-build links without Zig's runtime, so the function is here. Linked only where a guard asks for
+// something newer than the minimum system.
 
 #include <cstdint>
 

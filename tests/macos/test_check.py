@@ -46,14 +46,14 @@ def test_a_constant_newer_than_the_minimum_system_is_refused_without_a_guard(sam
 def test_a_function_newer_than_the_minimum_system_is_found_in_the_linked_file(sample):
     sample.add_rows(("libSystem", "12.0", "-", "getpid"))
     sample.replace(CODE, '#include "app', '#include <unistd.h>\n\n#include "app')
-    sample.replace(CODE, PRESSED, PRESSED + "  if (getpid() == 0) [field setStringValue:nil];\n")
+    sample.replace(CODE, PRESSED, PRESSED + "  if (getpid() == 0) [field setStringValue:@\"\"];\n")
     found = sample.findings()
     assert len(found) == 2 and all(f.endswith("_getpid came with macOS 12.0") for f in found)
 
 
 def test_a_function_that_is_not_listed_is_found_in_the_linked_file(sample):
     sample.replace(CODE, '#include "app', '#include <unistd.h>\n\n#include "app')
-    sample.replace(CODE, PRESSED, PRESSED + "  if (getuid() == 0) [field setStringValue:nil];\n")
+    sample.replace(CODE, PRESSED, PRESSED + "  if (getuid() == 0) [field setStringValue:@\"\"];\n")
     found = sample.findings()
     assert len(found) == 2 and all(f.endswith("_getuid is not listed") for f in found)
 
@@ -62,6 +62,28 @@ def test_a_deprecated_method_is_refused(sample):
     sample.replace("api.tsv", "AppKit\t10.0\t-\t- (void)setStringValue",
                    "AppKit\t10.0\t10.8\t- (void)setStringValue")
     assert any("'setStringValue:' is deprecated" in f for f in sample.findings())
+
+
+def test_a_null_argument_is_refused_where_the_row_does_not_take_one(sample):
+    sample.replace(CODE, '@"pressed"', "nil")
+    assert any("null passed to a callee that requires a non-null argument" in f
+               for f in sample.findings())
+
+
+def test_a_method_of_another_class_is_refused(sample):
+    sample.replace(CODE, PRESSED, "  [[NSApplication sharedApplication] setStringValue:@\"\"];\n")
+    assert any("'NSApplication' may not respond to" in f or "not found" in f for f in sample.findings())
+
+
+def test_a_test_that_does_not_compile_for_macos_is_found(sample):
+    sample.replace("tests/sample_test.mm", "[sample press:sample]", "[sample pres:sample]")
+    found = sample.findings()
+    assert found and all("tests/sample_test.mm" in f for f in found)
+
+
+def test_an_interface_that_only_tests_use_is_unknown_to_the_program(sample):
+    sample.replace(CODE, PRESSED, PRESSED + "  if ([field retainCount] == 0) return;\n")
+    assert sample.findings() == ["retainCount is sent, but not listed"]
 
 
 def test_a_foreign_library_is_refused(sample):
@@ -82,8 +104,8 @@ def test_a_foreign_library_is_refused(sample):
 def test_a_minimum_system_other_than_the_stated_one_is_found(sample):
     sample.findings()
     plist = next((sample.build / "arm64/apps").glob("*.app")) / "Contents/Info.plist"
-    sample.replace(plist, "<string>10.13</string>", "<string>10.12</string>")
-    assert [f.partition(": ")[2] for f in sample.findings()] == ["built for 10.13, stated 10.12"]
+    sample.replace(plist, "<string>11.0</string>", "<string>10.15</string>")
+    assert [f.partition(": ")[2] for f in sample.findings()] == ["built for 11.0, stated 10.15"] * 2
 
 
 def test_a_method_that_nobody_calls_is_found(sample):
@@ -112,5 +134,5 @@ def test_a_finding_in_an_interface_file_fails_the_whole(sample):
     sample.replace("app/Sample.h", "*field;", "*otherField;")
     sample.replace(CODE, "[field setHighlighted", "[otherField setHighlighted")
     sample.replace(CODE, "[field setString", "[otherField setString")
-    assert sample.findings() == ["Sample.xib: Sample declares no outlet field",
-                                 "Sample.xib: outlet otherField of Sample is connected 0 times"]
+    assert sample.findings() == ["MainMenu.xib: Sample declares no outlet field",
+                                 "MainMenu.xib: outlet otherField of Sample is connected 0 times"]
