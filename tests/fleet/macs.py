@@ -68,8 +68,8 @@ class Mac:
             faults.write(rule + "\n")
 
     def is_busy(self) -> bool:
-        """Whether configure-agent runs on the machine."""
-        return any(b"configure-agent\0" in line for _, line in _command_lines(self.path("/proc")))
+        """Whether configure-agent runs on the machine, or is about to: sudo and the shell name it too."""
+        return any(b"configure-agent" in line for _, line in _command_lines(self.path("/proc")))
 
     def reset(self) -> None:
         """Goes back to the state right after the agent was installed."""

@@ -133,6 +133,8 @@ RUNS = [
     ("script/demo --language de", "script/build", "lab/run -- .* --language de "),
     ("script/demo --by-hand", "script/build", "lab/run --display -- .* --by-hand$"),
     ("script/faults", "script/test", "script/test -C Faults"),
+    ("script/fleet-bench", "script/build lab/fleet", "fleet 1 -- .* table 3 10 50;fleet 50 -- .* growth 1 50$"),
+    ("script/fleet-bench 1 2", "script/build lab/fleet", "fleet 2 -- .* table 1 10 50;fleet 2 -- .* growth"),
     ("script/fuzz", "", "--target fuzz_targets;fuzz_utf8 -max_total_time=1[0-9] "),
     ("script/fuzz 10", "", "--target fuzz_targets;fuzz_utf8 -max_total_time=[1-9] "),
     ("script/lint shell", "bin/git bin/xargs", " shellcheck$"),
