@@ -1,7 +1,7 @@
 """Measures the program and its baselines in the lab and prints the table that table.py makes.
 
-Started by script/bench. The measurements alternate, so that a disturbance of the machine affects all of
-them.
+Started by script/bench. The measurements alternate, so that a disturbance of the machine affects
+all of them.
 """
 
 import argparse
@@ -234,7 +234,7 @@ def apply_by_script(bench: Bench, file: Path) -> float:
 
 
 def measure_apply(bench: Bench, runs: int, folder: Path) -> dict[str, list[float]]:
-    """Seconds of an Apply and of scripts of the same command lines; of Quit and of an empty script."""
+    """Seconds of an Apply and of scripts of the same lines; of Quit and of an empty script."""
     apply(bench)
     lines = lines_of_apply(bench)
     shells, plain, empty = (folder / name for name in ("shells.sh", "plain.sh", "empty.sh"))

@@ -1,5 +1,5 @@
-"""Waits for events of windows, files and processes without polling, and clicks without a helper process.
-All times are those of time.monotonic()."""
+"""Waits for events of windows, files and processes without polling, and clicks without a helper
+process. All times are those of time.monotonic()."""
 
 import ctypes
 import os

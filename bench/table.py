@@ -32,8 +32,8 @@ class Row(NamedTuple):
 
 
 def median_ratio(ours: Values, baseline: Values) -> float:
-    """The median of the ratios of neighbouring measurements, which a machine that slows down or speeds
-    up during the run does not change."""
+    """The median of the ratios of neighbouring measurements, which a machine that slows down or
+    speeds up during the run does not change."""
     ratios: list[float] = [one / other for one, other in zip(ours, baseline)]
     return median(ratios)
 
@@ -63,7 +63,7 @@ def megabytes(kilobytes: float) -> str:
 
 
 def command_rows(benchmarks: list[dict[str, Any]]) -> list[Row]:
-    """Runs of `/bin/bash -c true`. They run in random order, so the ratio is that of the medians."""
+    """Runs of `/bin/bash -c true`. In random order, so the ratio is that of medians."""
     medians = {
         run["run_name"].split("/iterations")[0]: run["real_time"] / 1e9
         for run in benchmarks

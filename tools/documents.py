@@ -1,7 +1,7 @@
 """Checks that the links and the file names in the Markdown documents exist.
 
 A link is relative to its document. A name in backquotes that begins with a folder of the tree is
-relative to the root, also when arguments follow it; a pattern or a name without its suffix is enough.
+relative to the root, even when arguments follow it; a pattern or a name without its suffix is fine.
 """
 
 import re

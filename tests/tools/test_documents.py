@@ -12,18 +12,17 @@ sys.path.insert(0, str(ROOT / "tools"))
 import documents  # noqa: E402  pylint: disable=wrong-import-position
 
 TEXT = """
-[readme](../README.md#part), [web](https://example.org/none), `app/main.mm`, `app/`, `app/Window*.mm`,
-`app/Window+Apply`, `script/build Zentavo`, `and/or`, `build/apps/x`
+[readme](../README.md#part), [web](https://example.org/none), `app/main.mm`, `app/`,
+`app/Window*.mm`, `app/Window+Apply`, `script/build Zentavo`, `and/or`, `build/apps/x`
 """
 
 
 @pytest.fixture(name="tree")
 def _tree(tmp_path: Path) -> Path:
-    files = {"README.md": "", "docs/a.md": TEXT, "app/main.mm": "", "app/Window+Apply.mm": "", "script/build": ""}
-    for path, text in files.items():
+    for path in ("README.md", "docs/a.md", "app/main.mm", "app/Window+Apply.mm", "script/build"):
         file = tmp_path / path
         file.parent.mkdir(exist_ok=True)
-        file.write_text(text, encoding="utf-8")
+        file.write_text(TEXT if path == "docs/a.md" else "", encoding="utf-8")
     subprocess.run(["git", "init", "-q"], cwd=tmp_path, check=True)
     return tmp_path
 
