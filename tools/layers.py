@@ -38,9 +38,9 @@ def read_table(text: str) -> dict[str, Entry]:
 def own_header(source: str, table: dict[str, Entry]) -> str | None:
     """The header of a source file; a category may be in another folder than its class."""
     name = Path(source).stem.split("+")[0]
-    beside = f"{Path(source).parent}/{name}.h"
-    if beside in table:
-        return beside
+    same_folder = f"{Path(source).parent}/{name}.h"
+    if same_folder in table:
+        return same_folder
     return next((path for path in table if path.endswith(f"/{name}.h")), None)
 
 
