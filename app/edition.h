@@ -1,83 +1,98 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <initializer_list>
 #include <string_view>
 
+#include "app/enumerators.h"
 #include "i18n/language.h"
 
 namespace app {
 
-/// The languages that an edition offers, in pop-up order. Holds at most all five.
-struct OfferedLanguages {
-  std::array<i18n::Language, i18n::kLanguageCount> items;
-  std::size_t count;
+/// Names the rows of the edition table, in its order.
+enum class EditionId { Oskel, Zentavo, Fennrow, Tollwick };
 
-  constexpr const i18n::Language *begin() const { return items.data(); }
-  constexpr const i18n::Language *end() const { return items.data() + count; }
-  constexpr std::size_t size() const { return count; }
+/// The languages that an edition offers, in pop-up order. More than there are do not compile.
+class OfferedLanguages {
+ public:
+  consteval OfferedLanguages(std::initializer_list<i18n::Language> languages) {
+    for (const i18n::Language lang : languages) items_[count_++] = lang;
+  }
+  constexpr const i18n::Language *begin() const { return items_.data(); }
+  constexpr const i18n::Language *end() const { return items_.data() + count_; }
+  constexpr std::size_t size() const { return count_; }
+  constexpr bool contains(i18n::Language lang) const {
+    return std::ranges::find(*this, lang) != end();
+  }
+  constexpr i18n::Language operator[](std::size_t item) const { return items_[item]; }
+
+ private:
+  std::array<i18n::Language, i18n::kLanguageCount> items_{};
+  std::size_t count_ = 0;
 };
 
 /// One re-branded edition of the agent product. Strings are UTF-8.
 struct Edition {
+  EditionId id;
   std::string_view oem;                ///< names the edition; fixed per build
   std::string_view appName;            ///< window title
   std::string_view captionName;        ///< part of the caption of the server field
   std::string_view installFolder;      ///< where the agent is installed, without a final slash
   std::string_view profileIdentifier;  ///< bundle identifier of the agent's management profile
-  std::string_view changeLanguage;     ///< the settings window's method that takes a stored code
   OfferedLanguages languages;
-  int initialLanguageItem;  ///< pop-up item selected before the stored settings are read
-  i18n::Language fallback;  ///< taken for a stored code that the edition does not offer
+  std::size_t initialLanguageItem;  ///< pop-up item selected before the stored settings are read
+  i18n::Language fallback;          ///< taken for a stored code that the edition does not offer
   bool showsNotAdminMessageInAllLanguages;  ///< the start-up refusal; else in English and French
 };
 
-/// Every edition; the first row is the default of lookups that need one. A new edition is one row
-/// here and one `changeLanguage` method in the settings window.
-inline constexpr std::array<Edition, 4> kEditions{{
-    {.oem = "Quorvix",
+/// Every edition; the first row is the default of lookups that need one. A new edition is one
+/// `EditionId` and one row here, and one `changeLanguage` method in the settings window; the
+/// compiler asks for each.
+inline constexpr auto kEditions = std::to_array<Edition>({
+    {.id = EditionId::Oskel,
+     .oem = "Quorvix",
      .appName = "Oskel Configuration Utility",
      .captionName = "Oskel",
      .installFolder = "/Applications/Quorvix/QuorvixOskel",
      .profileIdentifier = "com.quorvix.oskel.agent",
-     .changeLanguage = "changeLanguageOskel:",
-     .languages = {{i18n::Language::En, i18n::Language::Fr, i18n::Language::It, i18n::Language::Ge,
-                    i18n::Language::Es},
-                   5},
+     .languages = {i18n::Language::En, i18n::Language::Fr, i18n::Language::It, i18n::Language::Ge,
+                   i18n::Language::Es},
      .initialLanguageItem = 0,
      .fallback = i18n::Language::En,
      .showsNotAdminMessageInAllLanguages = true},
-    {.oem = "Zentavo",
+    {.id = EditionId::Zentavo,
+     .oem = "Zentavo",
      .appName = "Zentavo Configuration Utility",
      .captionName = "Zentavo",
      .installFolder = "/Applications/Zentavo/ZentavoVardex",
      .profileIdentifier = "com.zentavo.vardex.agent",
-     .changeLanguage = "changeLanguageZentavo:",
-     .languages = {{i18n::Language::En, i18n::Language::Fr}, 2},
+     .languages = {i18n::Language::En, i18n::Language::Fr},
      .initialLanguageItem = 1,
      .fallback = i18n::Language::Fr,
      .showsNotAdminMessageInAllLanguages = false},
-    {.oem = "Fennrow",
+    {.id = EditionId::Fennrow,
+     .oem = "Fennrow",
      .appName = "Fennrow Configuration Utility",
      .captionName = "Fennrow",
      .installFolder = "/Applications/Fennrow/FennrowLumar",
      .profileIdentifier = "com.fennrow.lumar.agent",
-     .changeLanguage = "changeLanguageFennrow:",
-     .languages = {{i18n::Language::En}, 1},
+     .languages = {i18n::Language::En},
      .initialLanguageItem = 0,
      .fallback = i18n::Language::En,
      .showsNotAdminMessageInAllLanguages = false},
-    {.oem = "Tollwick",
+    {.id = EditionId::Tollwick,
+     .oem = "Tollwick",
      .appName = "Tollwick Configuration Utility",
      .captionName = "Tollwick",
      .installFolder = "/Applications/Tollwick/TollwickOmbrel",
      .profileIdentifier = "de.tollwick.ombrel.agent",
-     .changeLanguage = "changeLanguageTollwick:",
-     .languages = {{i18n::Language::En, i18n::Language::Ge}, 2},
+     .languages = {i18n::Language::En, i18n::Language::Ge},
      .initialLanguageItem = 1,
      .fallback = i18n::Language::Ge,
      .showsNotAdminMessageInAllLanguages = false},
-}};
+});
 
 /// The edition with that `oem` value, compared exactly; null when there is none.
 constexpr const Edition *editionWithOem(std::string_view oem) {
@@ -95,10 +110,31 @@ constexpr const Edition *editionWithTitle(std::string_view appName) {
   return nullptr;
 }
 
+constexpr const Edition &editionWithId(EditionId id) {
+  return kEditions[static_cast<std::size_t>(id)];
+}
+
 /// The edition with that `oem` value, else the first row: what everything on disk goes by.
 constexpr const Edition &editionOrDefault(std::string_view oem) {
   const Edition *edition = editionWithOem(oem);
   return edition != nullptr ? *edition : kEditions.front();
 }
+
+namespace detail {
+
+/// Whether no column was forgotten, none contradicts another, and the row can be found.
+constexpr bool isComplete(const Edition &edition) {
+  return !edition.captionName.empty() && edition.installFolder.starts_with('/') &&
+         !edition.profileIdentifier.empty() && edition.languages.contains(edition.fallback) &&
+         edition.initialLanguageItem < edition.languages.size() &&
+         editionWithOem(edition.oem) == &edition && editionWithTitle(edition.appName) == &edition;
+}
+
+}  // namespace detail
+
+static_assert(hasRowForEach(kEditions, &Edition::id));
+static_assert(std::ranges::all_of(kEditions, detail::isComplete));
+static_assert(kEditions.front().languages.size() == i18n::kLanguageCount,
+              "the first edition offers every language");
 
 }  // namespace app

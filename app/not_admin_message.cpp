@@ -22,6 +22,7 @@ constexpr Sentence kGerman{"Der Benutzer ", " gehört nicht zur lokalen Admin-Gr
 
 // This order, which is not that of the languages elsewhere, is required.
 constexpr std::array kFiveLanguages{kEnglish, kItalian, kSpanish, kFrench, kGerman};
+static_assert(kFiveLanguages.size() == i18n::kLanguageCount);
 constexpr std::array kTwoLanguages{kEnglish, kFrench};
 
 }  // namespace

@@ -21,8 +21,8 @@ _read_column(profileIdentifier _identifiers)
 
 # "Language::En, Language::Fr" becomes "en,fr"; German alone is not named by its code.
 file(READ "${CMAKE_SOURCE_DIR}/app/edition.h" _header)
-string(REGEX MATCHALL "\\.languages = {{[^}]*}" _languages "${_header}")
-list(TRANSFORM _languages REPLACE "^[^{]*{{" "")
+string(REGEX MATCHALL "\\.languages = {[^}]*}" _languages "${_header}")
+list(TRANSFORM _languages REPLACE "^[^{]*{" "")
 list(TRANSFORM _languages REPLACE "[^,]*::|[ \n}]" "")
 list(TRANSFORM _languages TOLOWER)
 list(TRANSFORM _languages REPLACE "ge" "de")

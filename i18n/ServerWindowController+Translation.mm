@@ -17,16 +17,16 @@
   if (!catalogue) return;
   const app::AppStatics &statics = app::appStatics();
   const i18n::JsonData::Info &info = i18n::infoFor(*catalogue, statics.lang);
-  const i18n::SettingsStrings texts = i18n::settingsStrings(info, statics.lang, statics.oem);
-  [OUTLET(servername) setToolTip:app::nsString(texts.serverHint)];
-  [OUTLET(setting_label) setStringValue:app::nsString(texts.settings)];
-  [OUTLET(language_label) setStringValue:app::nsString(texts.language)];
-  [OUTLET(server_label) setStringValue:app::nsString(texts.server)];
-  [OUTLET(Quit_button) setTitle:app::nsString(texts.quit)];
-  [OUTLET(Apply_button) setTitle:app::nsString(texts.apply)];
-  [OUTLET(port_label) setStringValue:app::nsString(texts.port)];
-  [OUTLET(TestButton) setTitle:app::nsString(texts.test)];
-  [OUTLET(reset_settings) setTitle:app::nsString(texts.reset_settings)];
+  const i18n::SettingsStrings strings = i18n::settingsStrings(info, statics.lang, statics.oem);
+  [OUTLET(servername) setToolTip:app::nsString(strings.serverHint)];
+  [OUTLET(setting_label) setStringValue:app::nsString(strings.settings)];
+  [OUTLET(language_label) setStringValue:app::nsString(strings.language)];
+  [OUTLET(server_label) setStringValue:app::nsString(strings.server)];
+  [OUTLET(Quit_button) setTitle:app::nsString(strings.quit)];
+  [OUTLET(Apply_button) setTitle:app::nsString(strings.apply)];
+  [OUTLET(port_label) setStringValue:app::nsString(strings.port)];
+  [OUTLET(TestButton) setTitle:app::nsString(strings.test)];
+  [OUTLET(reset_settings) setTitle:app::nsString(strings.reset_settings)];
   [self translateLanguage:info];
 }
 
@@ -39,26 +39,27 @@
   }
 }
 
-- (void)changeLanguage:(NSString *)language ofEdition:(const app::Edition *)edition {
-  const i18n::LanguageChoice choice = i18n::choiceForCode(*edition, app::utf8(language));
+- (void)changeLanguage:(NSString *)language ofEdition:(app::EditionId)edition {
+  const i18n::LanguageChoice choice =
+      i18n::choiceForCode(app::editionWithId(edition), app::utf8(language));
   [OUTLET(selectLanguage) selectItemAtIndex:choice.item];
   app::appStatics().lang = choice.lang;
 }
 
 - (void)changeLanguageOskel:(NSString *)language {
-  [self changeLanguage:language ofEdition:app::editionWithOem("Quorvix")];
+  [self changeLanguage:language ofEdition:app::EditionId::Oskel];
 }
 
 - (void)changeLanguageZentavo:(NSString *)language {
-  [self changeLanguage:language ofEdition:app::editionWithOem("Zentavo")];
+  [self changeLanguage:language ofEdition:app::EditionId::Zentavo];
 }
 
 - (void)changeLanguageFennrow:(NSString *)language {
-  [self changeLanguage:language ofEdition:app::editionWithOem("Fennrow")];
+  [self changeLanguage:language ofEdition:app::EditionId::Fennrow];
 }
 
 - (void)changeLanguageTollwick:(NSString *)language {
-  [self changeLanguage:language ofEdition:app::editionWithOem("Tollwick")];
+  [self changeLanguage:language ofEdition:app::EditionId::Tollwick];
 }
 
 @end

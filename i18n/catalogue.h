@@ -4,12 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "i18n/language.h"
+
 namespace i18n {
 
 /// The decoded translation catalogue: one `Info` per language. Field names are the keys of
 /// translate.json, character for character; every field is required there, also those that no
-/// window shows. Texts are UTF-8 and may be empty. The order of the entries is not that of
-/// `Language`.
+/// window shows. Strings are UTF-8 and may be empty. The order of the entries is not that of the
+/// enum `Language`. Required: do not align the two.
 struct JsonData {
   struct Info {
     struct Common {
@@ -36,16 +38,19 @@ struct JsonData {
 /// Either a catalogue or the reason why there is none.
 struct DecodedCatalogue {
   std::optional<JsonData> catalogue;
-  /// Names the place and the trouble ("It.Common.reset_settings: missing"), or what the JSON parser
-  /// says.
+  /// The key and what is wrong with it ("It.Common.reset_settings: missing"), or what the JSON
+  /// parser says.
   std::string error;
 };
+
+/// The catalogue's entry of that language.
+const JsonData::Info &infoFor(const JsonData &catalogue, Language lang);
 
 /// Decodes the bytes of a catalogue (UTF-8 JSON). All keys or nothing; unknown keys are ignored.
 DecodedCatalogue decodeCatalogue(std::string_view json);
 
-/// Reads and decodes translate.json from the main bundle, anew at each call. A bundle without it
-/// stops the program; a file that cannot be read or decoded is reported to the error log.
+/// Reads and decodes translate.json from the main bundle on each call. A bundle without it stops
+/// the program; a file that cannot be read or decoded is reported to the error log.
 std::optional<JsonData> getLanguageLabel();
 
 }  // namespace i18n

@@ -14,22 +14,37 @@ namespace {
 using Info = JsonData::Info;
 
 /// A required key of an object and the field that takes its value.
-template <class Record, class Value>
+template <class Record>
 struct Key {
   const char *name;
-  Value Record::*field;
+  std::string Record::*field;
 };
 
-constexpr std::array<Key<JsonData, Info>, 5> kLanguageKeys{{
-    {"En", &JsonData::En},
-    {"Fr", &JsonData::Fr},
-    {"Es", &JsonData::Es},
-    {"It", &JsonData::It},
-    {"Ge", &JsonData::Ge},
-}};
+/// Whether no field of the record was forgotten.
+template <class Record, std::size_t kCount>
+constexpr bool hasKeyPerField(const std::array<Key<Record>, kCount> &) {
+  return sizeof(Record) == kCount * sizeof(std::string);
+}
+
+/// The entry of a language, with what every key has.
+struct LanguageKey {
+  Language lang;
+  const char *name;
+  Info JsonData::*field;
+};
+
+constexpr auto kLanguageKeys = std::to_array<LanguageKey>({
+    {Language::En, "En", &JsonData::En},
+    {Language::Fr, "Fr", &JsonData::Fr},
+    {Language::It, "It", &JsonData::It},
+    {Language::Ge, "Ge", &JsonData::Ge},
+    {Language::Es, "Es", &JsonData::Es},
+});
+static_assert(app::hasRowForEach(kLanguageKeys, &LanguageKey::lang));
+static_assert(sizeof(JsonData) == kLanguageKeys.size() * sizeof(Info));
 
 using Common = struct Info::Common;
-constexpr std::array<Key<Common, std::string>, 22> kCommonKeys{{
+constexpr auto kCommonKeys = std::to_array<Key<Common>>({
     {"quit", &Common::quit},
     {"select", &Common::select},
     {"cancel", &Common::cancel},
@@ -52,24 +67,28 @@ constexpr std::array<Key<Common, std::string>, 22> kCommonKeys{{
     {"username", &Common::username},
     {"password", &Common::password},
     {"adminmsg", &Common::adminmsg},
-}};
+});
+static_assert(hasKeyPerField(kCommonKeys));
 
 using Names = struct Info::Language;
-constexpr std::array<Key<Names, std::string>, 6> kNameKeys{{
+constexpr auto kNameKeys = std::to_array<Key<Names>>({
     {"lang", &Names::lang},
     {"english", &Names::english},
     {"french", &Names::french},
     {"spanish", &Names::spanish},
     {"italian", &Names::italian},
     {"german", &Names::german},
-}};
+});
+static_assert(hasKeyPerField(kNameKeys));
+static_assert(kNameKeys.size() == kLanguageCount + 1, "the caption, and a name for each language");
 
 using About = struct Info::About;
-constexpr std::array<Key<About, std::string>, 3> kAboutKeys{{
+constexpr auto kAboutKeys = std::to_array<Key<About>>({
     {"about", &About::about},
     {"agent", &About::agent},
     {"version", &About::version},
-}};
+});
+static_assert(hasKeyPerField(kAboutKeys));
 
 std::string jsonTypeName(id value) {
   if (value == nil) return "nothing";
@@ -82,7 +101,7 @@ std::string jsonTypeName(id value) {
   return type == "c" || type == "C" || type == "B" ? "a boolean" : "a number";
 }
 
-/// Walks a decoded JSON tree into the record; remembers the first trouble and its place.
+/// Copies a decoded JSON tree into the record; remembers the first error and its place.
 class Decoder {
  public:
   const std::string &error() const { return error_; }
@@ -147,7 +166,7 @@ class Decoder {
 };
 
 std::string describe(NSError *error) {
-  // The parser's position stands in the debug description where there is one.
+  // Where the parser stopped is in the debug description, if there is one.
   NSString *text = [[error userInfo] objectForKey:@"NSDebugDescription"];
   return app::utf8(text != nil ? text : [error localizedDescription]);
 }
@@ -158,6 +177,10 @@ std::optional<JsonData> reportFailure(const std::string &error) {
 }
 
 }  // namespace
+
+const Info &infoFor(const JsonData &catalogue, Language lang) {
+  return catalogue.*kLanguageKeys[static_cast<std::size_t>(lang)].field;
+}
 
 DecodedCatalogue decodeCatalogue(std::string_view json) {
   @autoreleasepool {

@@ -1,26 +1,35 @@
 #include "i18n/language.h"
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
 
 namespace i18n {
 namespace {
 
-// Indexed by the number of the language.
-constexpr std::array<std::string_view, kLanguageCount> kCodes{"en", "fr", "it", "de", "es"};
+struct CodeRow {
+  Language lang;
+  std::string_view code;
+};
+
+constexpr auto kCodes = std::to_array<CodeRow>({
+    {Language::En, "en"},
+    {Language::Fr, "fr"},
+    {Language::It, "it"},
+    {Language::Ge, "de"},
+    {Language::Es, "es"},
+});
+static_assert(app::hasRowForEach(kCodes, &CodeRow::lang));
 
 }  // namespace
 
 std::string getLanguageType(Language lang) {
-  const auto number = static_cast<std::size_t>(lang);
-  return number < kCodes.size() ? std::string(kCodes[number]) : std::string();
+  const auto row = std::ranges::find(kCodes, lang, &CodeRow::lang);
+  return row != kCodes.end() ? std::string(row->code) : std::string();
 }
 
 std::optional<Language> languageFromCode(std::string_view code) {
-  for (std::size_t number = 0; number < kCodes.size(); ++number) {
-    if (kCodes[number] == code) return static_cast<Language>(number);
-  }
-  return std::nullopt;
+  const auto row = std::ranges::find(kCodes, code, &CodeRow::code);
+  return row != kCodes.end() ? std::optional(row->lang) : std::nullopt;
 }
 
 }  // namespace i18n

@@ -8,24 +8,27 @@
 namespace i18n {
 namespace {
 
-/// What depends on the language apart from the catalogue's texts.
+/// What depends on the language and is not in its catalogue entry.
 struct LanguageRow {
-  JsonData::Info JsonData::*info;
+  Language lang;
   std::string JsonData::Info::Language::*name;
   std::string_view serverHint;
-  /// Between edition word and server text, in that order; otherwise the server text comes first.
+  /// In the server caption: whether the edition's name comes first, and what joins it to the
+  /// catalogue's word.
   bool captionNameFirst;
   std::string_view joint;
 };
 
-// Indexed by the number of the language. The hints are no catalogue texts: their spelling is fixed.
-constexpr std::array<LanguageRow, kLanguageCount> kRows{{
-    {&JsonData::En, &JsonData::Info::Language::english, "ip or hostname", true, " "},
-    {&JsonData::Fr, &JsonData::Info::Language::french, "ip ou <nom de machine>", false, " "},
-    {&JsonData::It, &JsonData::Info::Language::italian, "ip o <Nome host>", false, " "},
-    {&JsonData::Ge, &JsonData::Info::Language::german, "ip oder Hostname", true, "-"},
-    {&JsonData::Es, &JsonData::Info::Language::spanish, "ip o <nombre de host>", false, " "},
-}};
+// Required: the hints are fixed, capitals and angle brackets included, and not in the catalogue.
+using Names = struct JsonData::Info::Language;
+constexpr auto kRows = std::to_array<LanguageRow>({
+    {Language::En, &Names::english, "ip or hostname", true, " "},
+    {Language::Fr, &Names::french, "ip ou <nom de machine>", false, " "},
+    {Language::It, &Names::italian, "ip o <Nome host>", false, " "},
+    {Language::Ge, &Names::german, "ip oder Hostname", true, "-"},
+    {Language::Es, &Names::spanish, "ip o <nombre de host>", false, " "},
+});
+static_assert(app::hasRowForEach(kRows, &LanguageRow::lang));
 
 const LanguageRow &rowFor(Language lang) { return kRows[static_cast<std::size_t>(lang)]; }
 
@@ -37,10 +40,6 @@ std::string serverCaption(const LanguageRow &row, std::string_view server, std::
 }
 
 }  // namespace
-
-const JsonData::Info &infoFor(const JsonData &catalogue, Language lang) {
-  return catalogue.*rowFor(lang).info;
-}
 
 SettingsStrings settingsStrings(const JsonData::Info &info, Language lang, std::string_view oem) {
   const LanguageRow &row = rowFor(lang);

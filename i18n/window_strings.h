@@ -7,11 +7,9 @@
 #include "i18n/catalogue.h"
 #include "i18n/language.h"
 
-/// The texts of the windows, worked out from the catalogue; the controllers only put them in place.
+/// The strings of the settings window, derived from the catalogue; the controller only puts them in
+/// place.
 namespace i18n {
-
-/// The catalogue's entry of that language.
-const JsonData::Info &infoFor(const JsonData &catalogue, Language lang);
 
 /// What the settings window shows, captions with their colons.
 struct SettingsStrings {

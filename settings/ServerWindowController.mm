@@ -65,7 +65,7 @@
   for (const int item : i18n::itemsToRemove(edition)) {
     [OUTLET(selectLanguage) removeItemAtIndex:item];
   }
-  [OUTLET(selectLanguage) selectItemAtIndex:edition.initialLanguageItem];
+  [OUTLET(selectLanguage) selectItemAtIndex:static_cast<NSInteger>(edition.initialLanguageItem)];
 }
 
 - (void)updateUI:(NSString *)appName {
@@ -77,8 +77,20 @@
   [OUTLET(servername) setStringValue:app::nsString(stored->server)];
   [OUTLET(port) setStringValue:app::nsString(stored->port)];
   if (const app::Edition *edition = app::editionWithTitle(app::utf8(appName))) {
-    const SEL changeLanguage = NSSelectorFromString(app::nsString(edition->changeLanguage));
-    [self performSelector:changeLanguage withObject:app::nsString(stored->language)];
+    [self selectLanguage:app::nsString(stored->language) ofEdition:edition->id];
+  }
+}
+
+- (void)selectLanguage:(NSString *)code ofEdition:(app::EditionId)edition {
+  switch (edition) {
+    case app::EditionId::Oskel:
+      return [self changeLanguageOskel:code];
+    case app::EditionId::Zentavo:
+      return [self changeLanguageZentavo:code];
+    case app::EditionId::Fennrow:
+      return [self changeLanguageFennrow:code];
+    case app::EditionId::Tollwick:
+      return [self changeLanguageTollwick:code];
   }
 }
 

@@ -169,17 +169,17 @@ TEST(PortOption, IsANumberUpTo65535InPlainDigits) {
   }
   for (const char *port : {"", "65536", "-1", "+-1", "1 ", " 1", "0x50", "80.0", "8o", "--json",
                            "99999999999999999999", "6000;id", "$(id)"}) {
-    EXPECT_EQ(parse(applyWith("--port", port)).error, "--port needs a number from 0 to 65535") << port;
+    EXPECT_EQ(parse(applyWith("--port", port)).error, "--port needs a number from 0 to 65535")
+        << port;
   }
 }
 
 TEST(LanguageOption, IsOneThatTheEditionOffers) {
   for (const app::Edition &edition : app::kEditions) {
-    for (int number = 0; number < i18n::kLanguageCount; ++number) {
+    for (std::size_t number = 0; number < i18n::kLanguageCount; ++number) {
       const auto language = static_cast<i18n::Language>(number);
       const std::string code = i18n::getLanguageType(language);
-      const bool isOffered = std::find(edition.languages.begin(), edition.languages.end(),
-                                       language) != edition.languages.end();
+      const bool isOffered = edition.languages.contains(language);
       const auto parsed = parseOptions(applyWith("--language", code), edition);
       EXPECT_EQ(parsed.error.empty(), isOffered) << edition.oem << ' ' << code;
     }

@@ -14,18 +14,19 @@ namespace {
 using i18n::Language;
 
 struct Row {
-  const char *oem, *title, *folder, *identifier, *changeLanguage;
+  const char *oem, *title, *folder, *identifier;
+  app::EditionId id;
 };
 
 constexpr Row kRows[] = {
     {"Quorvix", "Oskel Configuration Utility", "/Applications/Quorvix/QuorvixOskel",
-     "com.quorvix.oskel.agent", "changeLanguageOskel:"},
+     "com.quorvix.oskel.agent", app::EditionId::Oskel},
     {"Zentavo", "Zentavo Configuration Utility", "/Applications/Zentavo/ZentavoVardex",
-     "com.zentavo.vardex.agent", "changeLanguageZentavo:"},
+     "com.zentavo.vardex.agent", app::EditionId::Zentavo},
     {"Fennrow", "Fennrow Configuration Utility", "/Applications/Fennrow/FennrowLumar",
-     "com.fennrow.lumar.agent", "changeLanguageFennrow:"},
+     "com.fennrow.lumar.agent", app::EditionId::Fennrow},
     {"Tollwick", "Tollwick Configuration Utility", "/Applications/Tollwick/TollwickOmbrel",
-     "de.tollwick.ombrel.agent", "changeLanguageTollwick:"},
+     "de.tollwick.ombrel.agent", app::EditionId::Tollwick},
 };
 
 TEST(Editions, AreFoundByOemAndByTitleWithEveryColumn) {
@@ -40,7 +41,8 @@ TEST(Editions, AreFoundByOemAndByTitleWithEveryColumn) {
     EXPECT_EQ(edition->appName, row.title);
     EXPECT_EQ(edition->installFolder, row.folder);
     EXPECT_EQ(edition->profileIdentifier, row.identifier);
-    EXPECT_EQ(edition->changeLanguage, row.changeLanguage);
+    EXPECT_EQ(edition->id, row.id);
+    EXPECT_EQ(edition, &app::editionWithId(row.id));
   }
 }
 
