@@ -6,6 +6,7 @@ import re
 import subprocess
 from dataclasses import dataclass, field
 from pathlib import Path
+from typing import Any
 
 from driver.paths import REPOSITORY
 from macs import TOOL
@@ -96,7 +97,7 @@ class Ansible:
         done = self.run("ansible-playbook", "--forks=20", *options, str(play))
         return Run(done.returncode, done.stdout)
 
-    def start(self, **arguments: object) -> subprocess.Popen[bytes]:
+    def start(self, **arguments: Any) -> subprocess.Popen[bytes]:
         """Starts the same in a process group of its own."""
         return subprocess.Popen(
             ["ansible-playbook", "--forks=20", self.playbook(**arguments)],

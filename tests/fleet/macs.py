@@ -55,7 +55,8 @@ class Mac:
     def settings(self) -> dict[str, object]:
         """The stored settings; empty if there are none."""
         file = self.path(SERVER_PLIST)
-        return plistlib.loads(file.read_bytes()) if file.exists() else {}
+        settings: dict[str, object] = plistlib.loads(file.read_bytes()) if file.exists() else {}
+        return settings
 
     def commands(self) -> list[str]:
         """The command lines in the journal."""

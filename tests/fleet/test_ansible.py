@@ -3,6 +3,7 @@
 import json
 from importlib.util import module_from_spec, spec_from_file_location
 from pathlib import Path
+from typing import Any
 
 import pytest
 from driver.machine import ACCOUNTS, SERVER_PLIST
@@ -20,7 +21,7 @@ def each(macs: list[Mac], status: str) -> dict[str, str]:
     return {mac.name: status for mac in macs}
 
 
-def test_the_first_run_changes_each_mac_and_the_second_does_nothing(macs: list[Mac], ansible: Ansible):
+def test_the_first_run_changes_each_mac_and_the_second_does_nothing(macs: list[Mac], ansible: Ansible) -> None:
     first = ansible.apply(server=OLD, port=4000, language="fr")
     assert (first.status, first.statuses) == (0, each(macs, "changed")), first.output
     for mac in macs:
@@ -36,7 +37,7 @@ def test_the_first_run_changes_each_mac_and_the_second_does_nothing(macs: list[M
         assert [c for c in mac.commands()[commands:] if any(word in c for word in CHANGES)] == []
 
 
-def test_check_mode_shows_the_difference_and_changes_nothing(macs: list[Mac], ansible: Ansible):
+def test_check_mode_shows_the_difference_and_changes_nothing(macs: list[Mac], ansible: Ansible) -> None:
     ansible.apply(server=OLD)
     before = [(mac.path(SERVER_PLIST).read_bytes(), len(mac.commands())) for mac in macs]
 
@@ -53,21 +54,21 @@ def test_check_mode_shows_the_difference_and_changes_nothing(macs: list[Mac], an
     assert "--- before" not in run.output
 
 
-def test_a_change_shows_its_difference(macs: list[Mac], ansible: Ansible):
+def test_a_change_shows_its_difference(macs: list[Mac], ansible: Ansible) -> None:
     ansible.apply(server=OLD)
     run = ansible.apply("--diff", server=NEW)
     assert run.statuses == each(macs, "changed"), run.output
     assert run.output.count(f'+    "server": "{NEW}"') == len(macs), run.output
 
 
-def test_values_that_are_not_named_stay(macs: list[Mac], ansible: Ansible):
+def test_values_that_are_not_named_stay(macs: list[Mac], ansible: Ansible) -> None:
     ansible.apply(server=OLD, port=4000, language="fr")
     ansible.apply(server=NEW)
     for mac in macs:
         assert {"server": NEW, "port": 4000, "language": "fr"}.items() <= mac.settings().items()
 
 
-def test_force_acts_where_everything_is_as_asked(macs: list[Mac], ansible: Ansible):
+def test_force_acts_where_everything_is_as_asked(macs: list[Mac], ansible: Ansible) -> None:
     ansible.apply(server=OLD)
     assert ansible.apply("--check", server=OLD, force=True).statuses == each(macs, "changed")
     commands = [len(mac.commands()) for mac in macs]
@@ -76,7 +77,7 @@ def test_force_acts_where_everything_is_as_asked(macs: list[Mac], ansible: Ansib
         assert any("launchctl unload" in command for command in mac.commands()[count:])
 
 
-def test_reset_deletes_the_old_settings_files(macs: list[Mac], ansible: Ansible):
+def test_reset_deletes_the_old_settings_files(macs: list[Mac], ansible: Ansible) -> None:
     run = ansible.apply(server=OLD, reset=True)
     assert run.statuses == each(macs, "changed"), run.output
     for mac in macs:
@@ -98,8 +99,8 @@ def test_reset_deletes_the_old_settings_files(macs: list[Mac], ansible: Ansible)
     ids=["command", "quote", "option", "language", "port", "word", "nothing", "unknown"],
 )
 def test_bad_values_are_refused_by_name_and_reach_no_shell(
-    macs: list[Mac], ansible: Ansible, arguments: dict[str, object], message: str
-):
+    macs: list[Mac], ansible: Ansible, arguments: dict[str, Any], message: str
+) -> None:
     run = ansible.apply(*FIRST, **arguments)
     assert run.statuses == {"mac1": "FAILED"}, run.output
     assert message in run.outcomes["mac1"].message
@@ -107,25 +108,25 @@ def test_bad_values_are_refused_by_name_and_reach_no_shell(
     assert macs[0].settings() == {}
 
 
-def test_without_become_the_message_asks_for_root(ansible: Ansible):
+def test_without_become_the_message_asks_for_root(ansible: Ansible) -> None:
     outcome = ansible.apply(*FIRST, become=False, server=OLD).outcomes["mac1"]
     assert (outcome.status, outcome.message) == ("FAILED", "must be run as root")
 
 
-def test_a_mac_without_the_utility_says_what_is_missing(ansible: Ansible):
+def test_a_mac_without_the_utility_says_what_is_missing(ansible: Ansible) -> None:
     missing = "/Applications/Utilities/None.app/configure-agent"
     outcome = ansible.apply(*FIRST, server=OLD, executable=missing).outcomes["mac1"]
     expected = f"cannot run {missing}: install the utility on this Mac, or set 'executable'"
     assert (outcome.status, outcome.message) == ("FAILED", expected)
 
 
-def test_a_program_that_gives_no_report_fails_with_its_output(ansible: Ansible):
+def test_a_program_that_gives_no_report_fails_with_its_output(ansible: Ansible) -> None:
     outcome = ansible.apply(*FIRST, server=OLD, executable="/bin/echo").outcomes["mac1"]
     expected = f"/bin/echo gave no report; status 0, output: apply --json --server {OLD}"
     assert (outcome.status, outcome.message) == ("FAILED", expected)
 
 
-def test_one_mac_without_the_agent_keeps_no_other_from_being_done(macs: list[Mac], ansible: Ansible):
+def test_one_mac_without_the_agent_keeps_no_other_from_being_done(macs: list[Mac], ansible: Ansible) -> None:
     macs[1].shell(f"mv '{AGENT_FOLDER}' /tmp/agent; rm /Library/Launch*/com.quorvix.*")
     try:
         run = ansible.apply(server=OLD)
@@ -135,7 +136,7 @@ def test_one_mac_without_the_agent_keeps_no_other_from_being_done(macs: list[Mac
     assert "not installed" in run.outcomes[macs[1].name].message
 
 
-def test_no_output_or_log_holds_the_password(macs: list[Mac], ansible: Ansible, tmp_path: Path):
+def test_no_output_or_log_holds_the_password(macs: list[Mac], ansible: Ansible, tmp_path: Path) -> None:
     log = tmp_path / "log"
     ansible.environment["ANSIBLE_LOG_PATH"] = str(log)
     try:
@@ -150,7 +151,7 @@ def test_no_output_or_log_holds_the_password(macs: list[Mac], ansible: Ansible, 
         assert password not in "\n".join(mac.commands())
 
 
-def test_the_macs_have_no_python(macs: list[Mac], ansible: Ansible):
+def test_the_macs_have_no_python(macs: list[Mac], ansible: Ansible) -> None:
     for mac in macs:
         assert mac.run("find", "/usr/bin", "/usr/local/bin", "-name", "python3*") == ""
     assert ansible.apply(server=OLD).status == 0
@@ -159,12 +160,14 @@ def test_the_macs_have_no_python(macs: list[Mac], ansible: Ansible):
 def arguments_of_the_plugin() -> dict[str, dict[str, object]]:
     source = REPOSITORY / "ansible/plugins/action/settings.py"
     spec = spec_from_file_location("settings", source)
+    assert spec is not None and spec.loader is not None
     module = module_from_spec(spec)
     spec.loader.exec_module(module)
-    return module.ARGUMENTS
+    arguments: dict[str, dict[str, object]] = module.ARGUMENTS
+    return arguments
 
 
-def test_the_documentation_has_the_options_of_the_task(ansible: Ansible):
+def test_the_documentation_has_the_options_of_the_task(ansible: Ansible) -> None:
     shown = ansible.run("ansible-doc", "--json", TASK)
     options = json.loads(shown.stdout)[TASK]["doc"]["options"]
     documented = {

@@ -25,7 +25,7 @@ def each(macs: list[Mac], status: str) -> dict[str, str]:
     return {mac.name: status for mac in macs}
 
 
-def test_changed_then_unchanged_then_check_with_the_difference(macs: list[Mac], ansible: Ansible):
+def test_changed_then_unchanged_then_check_with_the_difference(macs: list[Mac], ansible: Ansible) -> None:
     run = ansible.apply(server=OLD)
     assert run.statuses == each(macs, "changed"), run.output
     run = ansible.apply(server=OLD)
@@ -36,9 +36,13 @@ def test_changed_then_unchanged_then_check_with_the_difference(macs: list[Mac], 
     assert [mac.settings()["server"] for mac in macs] == [OLD] * 20
 
 
+def set_link(mac: Mac, state: str) -> None:
+    subprocess.run(["ip", "link", "set", mac.name, state], check=True)
+
+
 def take_down(mac: Mac, undo: ExitStack) -> None:
-    subprocess.run(["ip", "link", "set", mac.name, "down"], check=True)
-    undo.callback(subprocess.run, ["ip", "link", "set", mac.name, "up"], check=True)
+    set_link(mac, "down")
+    undo.callback(set_link, mac, "up")
 
 
 def make_preferences_read_only(mac: Mac, undo: ExitStack) -> None:
@@ -59,7 +63,7 @@ def leave_console(mac: Mac, undo: ExitStack) -> None:
 
 def test_what_goes_wrong_on_one_mac_is_told_and_the_others_are_done(
     macs: list[Mac], ansible: Ansible
-):
+) -> None:
     down, read_only, bare, stubborn, locked, unattended, *others = macs
     ansible.apply(server=OLD)
     close_connections()
@@ -135,7 +139,7 @@ def lose_connections(engine: subprocess.Popen[bytes]) -> None:
 )
 def test_an_interrupted_engine_leaves_no_job_stopped(
     macs: list[Mac], ansible: Ansible, interrupt: Callable[[subprocess.Popen[bytes]], None]
-):
+) -> None:
     ansible.apply(server=OLD)
     assert all(mac.loaded() == ALL_JOBS for mac in macs)
     # Slow enough to be interrupted in the middle on many machines.

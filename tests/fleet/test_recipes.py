@@ -4,6 +4,7 @@ import plistlib
 import re
 import sqlite3
 import subprocess
+from collections.abc import Iterator
 from pathlib import Path
 
 import pytest
@@ -52,7 +53,7 @@ def run_as_engine(mac: Mac, script: str, *parameters: str) -> subprocess.Complet
     )
 
 
-def test_shellcheck_finds_nothing_in_the_scripts(tmp_path: Path):
+def test_shellcheck_finds_nothing_in_the_scripts(tmp_path: Path) -> None:
     text = (REPOSITORY / "docs/fleet.md").read_text()
     scripts = re.findall(r"^```sh\n(#!.*?)^```$", text, re.DOTALL | re.MULTILINE)
     assert len(scripts) == 7
@@ -66,14 +67,14 @@ def is_pointed(mac: Mac, **settings: object) -> bool:
 
 
 @pytest.fixture
-def bare(mac: Mac):
+def bare(mac: Mac) -> Iterator[Mac]:
     """A Mac without the agent."""
     mac.shell(f"mv '{AGENT_FOLDER}' /tmp/agent; rm /Library/Launch*/com.quorvix.*")
     yield mac
     mac.run("mv", "/tmp/agent", AGENT_FOLDER)
 
 
-def test_munki_installs_where_the_settings_are_not_as_asked(mac: Mac):
+def test_munki_installs_where_the_settings_are_not_as_asked(mac: Mac) -> None:
     check, install = recipes("Munki")
     assert run_as_engine(mac, check).returncode == 0
     assert mac.settings() == {}
@@ -82,11 +83,11 @@ def test_munki_installs_where_the_settings_are_not_as_asked(mac: Mac):
     assert run_as_engine(mac, check).returncode == 1
 
 
-def test_munki_leaves_a_mac_without_the_agent_alone(bare: Mac):
+def test_munki_leaves_a_mac_without_the_agent_alone(bare: Mac) -> None:
     assert run_as_engine(bare, recipes("Munki")[0]).returncode == 1
 
 
-def test_kandjis_audit_fails_until_the_remediation_has_run(mac: Mac):
+def test_kandjis_audit_fails_until_the_remediation_has_run(mac: Mac) -> None:
     audit, remediation = recipes("Kandji")
     assert run_as_engine(mac, audit).returncode == 1
     assert mac.settings() == {}
@@ -95,14 +96,14 @@ def test_kandjis_audit_fails_until_the_remediation_has_run(mac: Mac):
     assert run_as_engine(mac, audit).returncode == 0
 
 
-def test_kandji_reports_a_remediation_that_is_not_effective(mac: Mac):
+def test_kandji_reports_a_remediation_that_is_not_effective(mac: Mac) -> None:
     audit, remediation = recipes("Kandji")
     mac.add_fault("always launchctl exit=1 ^/bin/launchctl load -w /Library/LaunchDaemons")
     assert run_as_engine(mac, remediation).returncode == 1
     assert run_as_engine(mac, audit).returncode == 1
 
 
-def test_jamfs_script_takes_the_server_and_perhaps_the_port_from_its_parameters(mac: Mac):
+def test_jamfs_script_takes_the_server_and_perhaps_the_port_from_its_parameters(mac: Mac) -> None:
     script, _ = recipes("Jamf")
     its_own = ("/", "mac1", "alice")
     assert run_as_engine(mac, script, *its_own, "192.0.2.10", "4000").returncode == 0
@@ -112,21 +113,21 @@ def test_jamfs_script_takes_the_server_and_perhaps_the_port_from_its_parameters(
     assert run_as_engine(mac, script, *its_own, "two words").returncode == 64
 
 
-def test_jamfs_extension_attribute_follows_the_mac(mac: Mac):
+def test_jamfs_extension_attribute_follows_the_mac(mac: Mac) -> None:
     script, attribute = recipes("Jamf")
     assert run_as_engine(mac, attribute).stdout == "<result>not as asked</result>\n"
     run_as_engine(mac, script, "/", "mac1", "alice", SERVER)
     assert run_as_engine(mac, attribute).stdout == "<result>as asked</result>\n"
 
 
-def test_jamfs_extension_attribute_names_a_missing_agent(bare: Mac):
+def test_jamfs_extension_attribute_names_a_missing_agent(bare: Mac) -> None:
     attribute = recipes("Jamf")[1]
     assert run_as_engine(bare, attribute).stdout == "<result>agent not installed</result>\n"
 
 
 def test_plain_ssh_applies_on_each_mac_of_the_list_and_names_those_that_failed(
     macs: list[Mac], tmp_path: Path
-):
+) -> None:
     (script,) = recipes("Plain ssh")
     (tmp_path / "point-agent").write_text(script)
     names = [f"alice@{mac.name}" for mac in macs] + ["alice@mac199"]
@@ -149,7 +150,7 @@ def test_plain_ssh_applies_on_each_mac_of_the_list_and_names_those_that_failed(
     assert all(PASSWORD not in file.read_text() for file in tmp_path.iterdir())
 
 
-def test_ansibles_play_and_commands(macs: list[Mac], ansible: Ansible, tmp_path: Path):
+def test_ansibles_play_and_commands(macs: list[Mac], ansible: Ansible, tmp_path: Path) -> None:
     play, commands = recipes("Ansible")
     (tmp_path / "point-agent.yml").write_text(play)
     names = "".join(f"{mac.name} ansible_user=alice\n" for mac in macs)
@@ -172,7 +173,7 @@ def test_ansibles_play_and_commands(macs: list[Mac], ansible: Ansible, tmp_path:
         assert all(is_pointed(mac, server=SERVER, port=6000) == is_done for mac in macs)
 
 
-def test_osquerys_query_finds_the_settings_in_a_table_of_the_file(mac: Mac):
+def test_osquerys_query_finds_the_settings_in_a_table_of_the_file(mac: Mac) -> None:
     (query,) = recipes("osquery")
     run_as_engine(mac, recipes("Kandji")[1])
     database = sqlite3.connect(":memory:")
