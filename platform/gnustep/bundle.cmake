@@ -1,12 +1,12 @@
 # platform_add_bundle(<target> TITLE <title> IDENTIFIER <bundle identifier>
-#                     [OUTPUT_DIR <folder>] [RESOURCES <file>...] [TOOLS <target>...])
+#                     [OUTPUT_DIR <folder>] [RESOURCES <file>...] [TOOLS <target>...] [PLAIN])
 #
 # Makes an executable the program of the application bundle <folder>/<title>.app, where <folder> is
 # ${CMAKE_BINARY_DIR}/apps unless given:
 #
 #   <title>.app/<title>, and next to it the TOOLS of platform_add_tool()
 #   <title>.app/Resources/Info-gnustep.plist, the RESOURCES, the status images, the icon,
-#                                 Mac.theme
+#                                 and, unless PLAIN, Mac.theme
 #
 # Also links what the executable needs of this platform. Resources are copied again when they
 # change, and only then.
@@ -24,7 +24,7 @@ function(platform_add_tool target)
 endfunction()
 
 function(platform_add_bundle target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TITLE;IDENTIFIER;OUTPUT_DIR" "RESOURCES;TOOLS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "PLAIN" "TITLE;IDENTIFIER;OUTPUT_DIR" "RESOURCES;TOOLS")
   if(NOT arg_TITLE OR NOT arg_IDENTIFIER OR arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "platform_add_bundle(${target}): TITLE and IDENTIFIER are required, "
                         "unknown: '${arg_UNPARSED_ARGUMENTS}'")
@@ -60,14 +60,16 @@ function(platform_add_bundle target)
     list(APPEND copies "${copy}")
   endforeach()
 
-  set(theme "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/theme/Resources")
-  set(copy "${bundle}/Resources/Mac.theme/Resources")
-  file(GLOB_RECURSE pictures CONFIGURE_DEPENDS "${theme}/*")
-  add_custom_command(OUTPUT "${copy}/Info-gnustep.plist" DEPENDS ${pictures}
-                     COMMAND "${CMAKE_COMMAND}" -E rm -rf "${copy}"
-                     COMMAND "${CMAKE_COMMAND}" -E copy_directory "${theme}" "${copy}"
-                     COMMENT "Copying the theme to ${title}.app" VERBATIM)
-  list(APPEND copies "${copy}/Info-gnustep.plist")
+  if(NOT arg_PLAIN)
+    set(theme "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/theme/Resources")
+    set(copy "${bundle}/Resources/Mac.theme/Resources")
+    file(GLOB_RECURSE pictures CONFIGURE_DEPENDS "${theme}/*")
+    add_custom_command(OUTPUT "${copy}/Info-gnustep.plist" DEPENDS ${pictures}
+                       COMMAND "${CMAKE_COMMAND}" -E rm -rf "${copy}"
+                       COMMAND "${CMAKE_COMMAND}" -E copy_directory "${theme}" "${copy}"
+                       COMMENT "Copying the theme to ${title}.app" VERBATIM)
+    list(APPEND copies "${copy}/Info-gnustep.plist")
+  endif()
 
   if(arg_TOOLS)
     add_dependencies(${target} ${arg_TOOLS})

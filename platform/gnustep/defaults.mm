@@ -22,7 +22,9 @@
     }
     NSString *theme = [[[NSBundle mainBundle] resourcePath]
         stringByAppendingPathComponent:@"Mac.theme"];
-    [defaults setObject:theme forKey:@"GSTheme"];
+    if ([[NSFileManager defaultManager] fileExistsAtPath:theme]) {
+      [defaults setObject:theme forKey:@"GSTheme"];
+    }
     [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
   }
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 
 namespace {
@@ -125,6 +126,16 @@ TEST_F(Theme, DrawsARingAroundTheFieldThatHasTheKeyboard) {
   [window_ makeFirstResponder:upper];
   EXPECT_EQ(colour(70, 19), kWindowColour);
   EXPECT_EQ(colour(70, 59), kRing);
+}
+
+// It would load some 120 libraries, and look for each image under 200 extensions.
+TEST_F(Theme, NeedsNoImageMagickForItsImages) {
+  EXPECT_TRUE([NSImage imageNamed:@"common_SwitchOn"] != nil);
+  EXPECT_TRUE([[NSImage imageFileTypes] containsObject:@"png"]);
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    EXPECT_EQ(line.find("/coders/"), std::string::npos) << line;
+  }
 }
 
 }  // namespace
