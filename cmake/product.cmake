@@ -13,7 +13,7 @@
 include(cmake/editions.cmake)
 
 add_library(project_warnings INTERFACE)
-target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wreserved-identifier -Werror)
+target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wreserved-identifier)
 
 file(GLOB product_sources CONFIGURE_DEPENDS RELATIVE "${CMAKE_SOURCE_DIR}" app/*.cpp settings/*.cpp
      agent/*.cpp i18n/*.cpp)

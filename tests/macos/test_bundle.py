@@ -1,7 +1,9 @@
 """How bundles are made on a Mac, with replacements for the two tools that only a Mac has."""
 
+from pathlib import Path
+
 import pytest
-from conftest import TITLE, Mac, Sample
+from conftest import ROOT, TITLE, Mac, Sample
 
 LANGUAGES = ("de", "en", "es", "fr", "it")
 
@@ -41,3 +43,12 @@ def test_nothing_is_done_twice(mac: Mac) -> None:
     mac.tools.forget_calls()
     mac.build()
     assert mac.tools.calls() == []
+
+
+@pytest.mark.parametrize("on_a_mac", [True, False])
+def test_a_warning_stops_a_build_but_not_on_a_mac(mac: Mac, tmp_path: Path, on_a_mac: bool) -> None:
+    mac.configure(ROOT, tmp_path, f"-DCMAKE_CROSSCOMPILING={'OFF' if on_a_mac else 'ON'}",
+                  "-DBUILD_TESTING=OFF")
+    commands = (tmp_path / "compile_commands.json").read_text()
+    assert "-Wextra" in commands
+    assert ("-Werror " in commands) != on_a_mac

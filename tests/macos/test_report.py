@@ -1,0 +1,89 @@
+"""What script/report-mac and script/bootstrap say on a Mac, with replacements for Apple's tools."""
+
+import getpass
+import platform
+import shutil
+from pathlib import Path
+
+import pytest
+from conftest import ROOT, TITLE, AppleTools, Mac
+
+CTEST = """#!/bin/bash
+echo "100% tests passed on $(hostname -s) by $(id -un) in $HOME"
+exit 8
+"""
+
+
+@pytest.fixture
+def tools(tmp_path: Path) -> AppleTools:
+    """A copy of the scripts in the folder "tree", with nothing built."""
+    shutil.copytree(ROOT / "script", tmp_path / "tree/script")
+    tools = AppleTools(tmp_path / "tools")
+    (tools.bin / "ctest").write_text(CTEST)
+    (tools.bin / "ctest").chmod(0o755)
+    return tools
+
+
+def report(tools: AppleTools) -> str:
+    file = tools.folder / "report.txt"
+    done = tools.run(tools.folder.parent / "tree/script/report-mac", file, HOME="/Users/somebody",
+                     MAC_NOTARY_PROFILE="a-profile", SECRET="a-secret")
+    assert (done.returncode, done.stdout) == (0, f"{file}\n"), done.stderr
+    return file.read_text()
+
+
+def test_the_report_says_what_has_not_been_built(tools: AppleTools) -> None:
+    text = report(tools)
+    assert "== tests\nnot built" in text and "== bundles\nnot built" in text
+    called = {c[0] for c in tools.calls()}
+    assert {"sw_vers", "xcodebuild", "ibtool"} <= called
+
+
+def test_the_report_holds_test_results_and_the_checks_of_bundles_and_packages(
+        tools: AppleTools, built_mac: Mac) -> None:
+    build = tools.folder.parent / "tree/build"
+    shutil.copytree(built_mac.bundle, build / "apps" / f"{TITLE}.app")
+    (build / "CTestTestfile.cmake").touch()
+    packages = build / "package/packages"
+    packages.mkdir(parents=True)
+    for name in ("Utility.pkg", "Utility.dmg"):
+        (packages / name).touch()
+    tools.fail("hdiutil verify")
+    text = report(tools)
+    assert "100% tests passed" in text and "(exit status 8)" in text
+    app = f"build/apps/{TITLE}.app"
+    for title in (f"signature of {app}", f"property list of {app}", f"files of {app}",
+                  f"architectures of {app}/Contents/MacOS/{TITLE}",
+                  "signature of build/package/packages/Utility.pkg"):
+        assert f"== {title}\n" in text
+    assert f"{app}/Contents/Resources/MainMenu.nib" in text
+    assert "checksum of build/package/packages/Utility.dmg\nhdiutil: verify failed\n(exit status 1)" in text
+
+
+def test_the_report_names_neither_the_user_nor_the_computer_nor_any_secret(tools: AppleTools) -> None:
+    (tools.folder.parent / "tree/build").mkdir()
+    (tools.folder.parent / "tree/build/CTestTestfile.cmake").touch()
+    text = report(tools)
+    assert "tests passed on <computer> by <user> in ~" in text
+    for name in (getpass.getuser(), platform.node().split(".")[0], "/Users/somebody", "a-profile",
+                 "a-secret"):
+        assert name not in text
+
+
+def test_the_report_needs_a_mac(tools: AppleTools) -> None:
+    (tools.bin / "uname").unlink()
+    done = tools.run(tools.folder.parent / "tree/script/report-mac")
+    assert (done.returncode, done.stderr) == (1, "script/report-mac: needs a Mac\n")
+
+
+@pytest.mark.parametrize("fault", ["xcrun --find", "ibtool --version"])
+def test_bootstrap_asks_for_an_ibtool_that_runs(tools: AppleTools, fault: str) -> None:
+    tools.fail(fault)
+    done = tools.run(tools.folder.parent / "tree/script/bootstrap")
+    assert done.returncode == 1
+    assert "a working ibtool" in done.stderr
+
+
+def test_bootstrap_does_not_ask_for_an_ibtool_that_is_there(tools: AppleTools) -> None:
+    done = tools.run(tools.folder.parent / "tree/script/bootstrap")
+    assert "ibtool" not in done.stderr
