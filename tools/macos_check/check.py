@@ -1,36 +1,36 @@
 """Cross-builds the program for macOS and checks the linked files. Called by script/check-macos."""
 
 import argparse
-import json
 import plistlib
 import re
-import shutil
-import struct
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
 import api
+import bundle_files
 import interface_files
 import macho
 from cross_build import ARCHITECTURES, ROOT, BuildFailed, CrossBuild
 
 FOREIGN = re.compile(rb"gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx", re.IGNORECASE)
-ICON_TYPES = {"is32", "s8mk", "il32", "l8mk", "ic07", "ic08", "ic09", "ic10", "ic11", "ic12", "ic13",
-              "ic14"}
 
 
 class Bundle:
-    """A universal bundle and the slices of its executable."""
+    """A universal bundle and the slices of its executables, that of its title first."""
 
     def __init__(self, path, scratch):
         self.path = path
         self.title = path.stem
-        self.program = path / "Contents/MacOS" / self.title
         self.info = plistlib.loads((path / "Contents/Info.plist").read_bytes())
-        self.slices = [macho.Slice(self.program, a, scratch)
-                       for a in macho.architectures(self.program)]
+        self.program = path / "Contents/MacOS" / self.title
+        others = sorted(set((path / "Contents/MacOS").iterdir()) - {self.program})
+        self.slices = [macho.Slice(executable, a, scratch) for executable in [self.program, *others]
+                       for a in macho.architectures(executable)]
+
+    def architectures(self):
+        """The architectures of every executable, in pairs with its name."""
+        return sorted((s.name, s.architecture) for s in self.slices)
 
     @property
     def minimum(self):
@@ -65,8 +65,10 @@ class Checks:
     def check_architectures(self):
         """both architectures in every file"""
         for bundle in self.bundles:
-            if [s.architecture for s in bundle.slices] != sorted(ARCHITECTURES):
-                yield f"{bundle.title}: holds {[s.architecture for s in bundle.slices]}"
+            names = {s.name for s in bundle.slices}
+            wanted = sorted((name, a) for name in names for a in ARCHITECTURES)
+            if bundle.architectures() != wanted:
+                yield f"{bundle.title}: holds {bundle.architectures()}"
 
     def check_libraries(self):
         """only the system's libraries, by their real names"""
@@ -128,22 +130,11 @@ class Checks:
             yield from (f"{title}: no bundle" for title in
                         sorted(set(oems) - {b.title for b in self.bundles}))
 
-    def check_bundles(self):
-        """property list and icon are complete"""
-        for bundle in self.bundles:
-            expected = {"CFBundleExecutable": bundle.title, "CFBundleName": bundle.title,
-                        "NSPrincipalClass": "NSApplication", "NSHighResolutionCapable": True}
-            for key, value in expected.items():
-                if bundle.info.get(key) != value:
-                    yield f"{bundle.title}: {key} is {bundle.info.get(key)}"
-            if "NSMainNibFile" in bundle.info:
-                yield f"{bundle.title}: names an NSMainNibFile, which the program loads itself"
-            icon = bundle.path / "Contents/Resources" / f"{bundle.info['CFBundleIconFile']}.icns"
-            for kind in sorted(ICON_TYPES - icon_types(icon)):
-                yield f"{bundle.title}: icon has no {kind}"
-        identifiers = {b.info["CFBundleIdentifier"] for b in self.bundles}
-        if len(identifiers) != len(self.bundles):
-            yield f"bundle identifiers are not unique: {sorted(identifiers)}"
+    def check_identifiers(self):
+        """no two bundles have the same identifier"""
+        identifiers = sorted(b.info["CFBundleIdentifier"] for b in self.bundles)
+        if len(set(identifiers)) != len(identifiers):
+            yield f"bundle identifiers are not unique: {identifiers}"
 
     def check_list(self):
         """every row of the list is used"""
@@ -166,20 +157,11 @@ class Checks:
                 yield f"{row.dylib}: nothing uses {row.declaration}"
 
 
-def icon_types(path):
-    """The types of the images in an icon file."""
-    data, types, at = path.read_bytes() if path.exists() else b"", set(), 8
-    while at < len(data):
-        types.add(data[at:at + 4].decode("latin-1"))
-        at += struct.unpack_from(">I", data, at + 4)[0]
-    return types
-
-
 def print_sizes(bundles):
     print(f"{'universal bundle':<36}{'oem':<10}{'arm64':>9}{'x86_64':>9}{'file':>9}  minimum systems")
     for bundle in bundles:
-        sizes = "".join(f"{len(s.data):>9}" for s in bundle.slices)
-        minimums = ", ".join(f"{s.architecture} {s.minimum_system}" for s in bundle.slices)
+        sizes = "".join(f"{len(s.data):>9}" for s in bundle.slices[:2])
+        minimums = ", ".join(f"{s.architecture} {s.minimum_system}" for s in bundle.slices[:2])
         print(f"{bundle.title + '.app':<36}{bundle.slices[0].edition() or '?':<10}{sizes}"
               f"{bundle.program.stat().st_size:>9}  {minimums}")
 
@@ -201,6 +183,11 @@ def examine(build, report):
         report(f"every source of the tests compiles ({count})", [])
     except BuildFailed as failure:
         report("every source of the tests compiles", failure.errors())
+    files = [bundle_files.BundleFiles(p, build.source) for p in sorted(build.apps.glob("*.app"))]
+    for name, rule in bundle_files.RULES.items():
+        report(name, [f"{bundle.title}: {finding}" for bundle in files for finding in rule(bundle)])
+    if not all(bundle.property_list() for bundle in files):
+        return
     with tempfile.TemporaryDirectory() as scratch:
         bundles = [Bundle(p, scratch) for p in sorted(build.apps.glob("*.app"))]
         checks = Checks(build, bundles)

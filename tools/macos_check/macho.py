@@ -49,7 +49,7 @@ class Slice:
     """The part of a file for one architecture, as a file of its own."""
 
     def __init__(self, path, architecture, scratch):
-        self.architecture = architecture
+        self.name, self.architecture = Path(path).name, architecture
         self.path = Path(scratch) / f"{Path(path).name}.{architecture}"
         tool("lipo", path, "-thin", architecture, "-output", self.path)
         self.data = self.path.read_bytes()
