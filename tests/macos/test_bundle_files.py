@@ -1,6 +1,5 @@
 """Each rule about the files of a bundle finds what it is for."""
 
-import os
 import plistlib
 import shutil
 from collections.abc import Callable
@@ -55,6 +54,11 @@ def without_icon_type(contents: Path) -> None:
     file.write_bytes(file.read_bytes().replace(b"ic09", b"xxxx"))
 
 
+def with_link(contents: Path) -> None:
+    (contents / "Info.plist").rename(contents.parent / "elsewhere")
+    (contents / "Info.plist").symlink_to("../elsewhere")
+
+
 FRENCH = "Resources/fr.lproj/InfoPlist.strings"
 KEY = "NSLocalNetworkUsageDescription"
 BREAKS: dict[str, Break] = {
@@ -78,8 +82,7 @@ BREAKS: dict[str, Break] = {
     f"MacOS/{TITLE} has permissions 644, not 755": lambda c: (c / "MacOS" / TITLE).chmod(0o644),
     "Resources/MainMenu.xib has permissions 755, not 644":
         lambda c: (c / "Resources/MainMenu.xib").chmod(0o755),
-    "Info.plist is a link": lambda c: (c / "Info.plist").rename(c.parent / "elsewhere")
-    and os.symlink("../elsewhere", c / "Info.plist"),
+    "Info.plist is a link": with_link,
 }
 for name in bundle_files.PROPERTIES:
     BREAKS[f"{name} is None"] = with_property(name, None)

@@ -2,6 +2,7 @@
 
 import interface_files
 import pytest
+from conftest import Sample
 
 XIB = "resources/MainMenu.xib"
 HEADER = "app/Sample.h"
@@ -45,17 +46,17 @@ BREAKS = [
 ]
 
 
-def test_the_sample_as_it_is_has_no_finding(sample):
+def test_the_sample_as_it_is_has_no_finding(sample: Sample) -> None:
     assert interface_files.check(sample.source) == []
 
 
 @pytest.mark.parametrize("name, old, new, finding", BREAKS, ids=[b[3] for b in BREAKS])
-def test_a_break_is_found(sample, name, old, new, finding):
+def test_a_break_is_found(sample: Sample, name: str, old: str, new: str, finding: str) -> None:
     sample.replace(name, old, new)
     assert f"MainMenu.xib: {finding}" in interface_files.check(sample.source)
 
 
-def test_a_class_with_outlets_but_without_an_interface_file_is_found(sample):
+def test_a_class_with_outlets_but_without_an_interface_file_is_found(sample: Sample) -> None:
     sample.replace(XIB, 'customClass="Sample"', 'customClass="NSObject"')
     assert "Sample: declares outlets or actions, but owns no interface file" in \
         interface_files.check(sample.source)

@@ -1,6 +1,7 @@
 """The list of macOS API that the program may use (api.tsv), and what is made from it."""
 
 import re
+from collections.abc import Sequence
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -18,18 +19,18 @@ IMPORTS = {
 AUDITED = ("Foundation", "AppKit")
 
 
-def version(text):
+def version(text: str) -> tuple[int, ...]:
     """A macOS version as comparable numbers; "-" counts as the oldest."""
     return tuple(int(part) for part in text.split(".")) if text != "-" else (0,)
 
 
-def selector(declaration):
+def selector(declaration: str) -> str:
     """The selector that a method declaration names."""
     text = declaration
     while re.search(r"\([^()]*\)", text):
         text = re.sub(r"\([^()]*\)", " ", text)
     parts = re.findall(r"\w+:", text)
-    return "".join(parts) if parts else re.search(r"\w+", text).group()
+    return "".join(parts) or str(re.findall(r"\w+", text)[0])
 
 
 @dataclass(frozen=True)
@@ -41,9 +42,10 @@ class Row:
     deprecated: str
     declaration: str
     owner: str  # class or protocol of a method, else empty
+    compared: str = ""  # with how many bindings a method was compared
 
     @property
-    def kind(self):
+    def kind(self) -> str:
         first = self.declaration.split()[0]
         if first.startswith(("-", "+")):
             return "method"
@@ -52,51 +54,54 @@ class Row:
         return first.lstrip("@")  # interface, protocol, extern, typedef, enum, struct, install-name
 
     @property
-    def name(self):
+    def name(self) -> str:
         """The selector, class, protocol or symbol (as C writes it) that the row is about."""
         if self.kind == "method":
             return selector(self.declaration)
         if self.kind in ("interface", "protocol"):
             return self.declaration.split()[1]
         if self.kind == "extern":
-            return re.search(r"(\w+)\s*(\([^*].*\))?;$", self.declaration).group(1)
+            return str(re.findall(r"(\w+)\s*(?:\([^*].*\))?;$", self.declaration)[0])
         return self.declaration
 
     @property
-    def defines(self):
+    def defines(self) -> list[str]:
         """The names that a row which is no method and no symbol brings into the header."""
         if self.kind == "typedef":
             return re.findall(r"\w+(?= =)", self.declaration) + re.findall(r"(\w+);$", self.declaration)
         return re.findall(r"\w+(?= =)", self.declaration) or [self.name]
 
     @property
-    def extends(self):
+    def extends(self) -> bool:
         """Whether this is a category: no class of its own."""
         return self.kind == "interface" and ":" not in self.declaration and "(" in self.declaration
 
 
-def read(path=TABLE):
+def read(path: Path = TABLE) -> list[Row]:
     """All rows of the list, or of another file of the same form."""
-    rows, owner = [], ""
-    for number, line in enumerate(Path(path).read_text(encoding="utf-8").splitlines(), 1):
+    rows: list[Row] = []
+    owner = ""
+    for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
         if not line or line.startswith("#"):
             continue
         columns = line.split("\t")
-        if len(columns) != 4:
-            raise SystemExit(f"{path}:{number}: expected 4 columns, found {len(columns)}")
-        row = Row(*columns, owner if columns[3][0] in "-+" else "")
+        if len(columns) not in (4, 5) or columns[4:] not in ([], ["both"], ["both?"], ["one"]):
+            raise SystemExit(f"{path}:{number}: expected 4 columns, or 5 with both, both? or one")
+        dylib, introduced, deprecated, declaration = columns[:4]
+        row = Row(dylib, introduced, deprecated, declaration,
+                  owner if declaration[0] in "-+" else "", *columns[4:])
         if row.kind in ("interface", "protocol"):
             owner = row.name
         rows.append(row)
     return rows
 
 
-def install_names(rows):
+def install_names(rows: Sequence[Row]) -> dict[str, str]:
     """Library -> the path under which macOS has it."""
     return {r.dylib: r.declaration.split()[1] for r in rows if r.kind == "install-name"}
 
 
-def symbols(rows):
+def symbols(rows: Sequence[Row]) -> dict[str, Row]:
     """The rows that a linked file may name as undefined symbols, in the linker's spelling."""
     named = {}
     for row in rows:
@@ -108,22 +113,22 @@ def symbols(rows):
     return named
 
 
-def availability(row):
+def availability(row: Row) -> str:
     if row.introduced == "-":
         return ""
     deprecated = "" if row.deprecated == "-" else f",deprecated={row.deprecated}"
     return f"__attribute__((availability(macos,introduced={row.introduced}{deprecated})))"
 
 
-def attributes(row):
+def attributes(row: Row) -> str:
     """What stands before a class: nothing before a category."""
     root = "" if ":" in row.declaration else "__attribute__((objc_root_class))"
     return "" if row.extends else f"{root}{availability(row)} "
 
 
-def declarations(rows):
+def declarations(rows: Sequence[Row]) -> list[str]:
     """The rows as the lines of a header."""
-    lines = []
+    lines: list[str] = []
     open_block = False
     for row in rows:
         if row.kind in ("symbol", "install-name"):
@@ -147,14 +152,14 @@ def declarations(rows):
     return lines + (["@end"] if open_block else [])
 
 
-def audited(dylib, lines):
+def audited(dylib: str, lines: list[str]) -> list[str]:
     """The declarations as a library states them that says of every pointer whether it may be null."""
     if dylib not in AUDITED:
         return lines
     return ["#pragma clang assume_nonnull begin", *lines, "#pragma clang assume_nonnull end"]
 
 
-def header(dylib, rows):
+def header(dylib: str, rows: Sequence[Row]) -> str:
     """The text of the library's header."""
     mine = [r for r in rows if r.dylib == dylib]
     classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
@@ -163,14 +168,14 @@ def header(dylib, rows):
     return "\n".join(lines + audited(dylib, declarations(mine))) + "\n"
 
 
-def test_header(rows):
+def test_header(rows: Sequence[Row]) -> str:
     """The text of the header that declares what only the tests call."""
     lines = ["#pragma once", "#import <AppKit/AppKit.h>"]
     lines += audited("AppKit", declarations(rows))
     return "\n".join(lines) + "\n"
 
 
-def stub(dylib, rows, wanted=()):
+def stub(dylib: str, rows: Sequence[Row], wanted: Sequence[str] = ()) -> str:
     """The text of the library's link stub. A row that ends in * stands for what is wanted of it."""
     mine = [r for r in rows if r.dylib == dylib]
     classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
@@ -187,7 +192,7 @@ def stub(dylib, rows, wanted=()):
     return "\n".join(lines + ["..."]) + "\n"
 
 
-def place(folder, dylib, rows):
+def place(folder: Path, dylib: str, rows: Sequence[Row]) -> Path:
     """Where below a folder the library has its stub, as macOS has it below /."""
     path = folder / install_names(rows)[dylib].lstrip("/")
     if dylib + ".framework" in path.parts:
@@ -195,7 +200,7 @@ def place(folder, dylib, rows):
     return path.with_name(f"{dylib}.tbd")
 
 
-def write_headers(folder, rows):
+def write_headers(folder: Path, rows: Sequence[Row]) -> None:
     for dylib in IMPORTS:
         if dylib in install_names(rows):
             framework = place(folder, dylib, rows).parent / "Headers" / f"{dylib}.h"
@@ -203,12 +208,12 @@ def write_headers(folder, rows):
             write(file, header(dylib, rows))
 
 
-def write_stubs(folder, rows, wanted=()):
+def write_stubs(folder: Path, rows: Sequence[Row], wanted: Sequence[str] = ()) -> None:
     for dylib in install_names(rows):
         write(place(folder, dylib, rows), stub(dylib, rows, wanted))
 
 
-def write(file, text):
+def write(file: Path, text: str) -> None:
     """Leaves a file alone that has the text already, so that nothing is compiled again."""
     if not file.exists() or file.read_text(encoding="utf-8") != text:
         file.parent.mkdir(parents=True, exist_ok=True)

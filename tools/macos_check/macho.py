@@ -4,6 +4,7 @@ sections."""
 import re
 import struct
 import subprocess
+from collections.abc import Sequence
 from dataclasses import dataclass
 from functools import cached_property
 from pathlib import Path
@@ -11,22 +12,27 @@ from pathlib import Path
 LLVM = "14"
 
 
-def tool(name, *arguments):
+def tool(name: str, *arguments: str | Path) -> str:
     """The output of one of LLVM's tools."""
     command = [f"llvm-{name}-{LLVM}", *map(str, arguments)]
     return subprocess.run(command, check=True, text=True, errors="replace",
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout
 
 
-def architectures(path):
+def architectures(path: Path) -> list[str]:
     """The architectures that a universal or plain file holds."""
     return sorted(tool("lipo", "-archs", path).split())
 
 
-def undefined(paths):
+def undefined(paths: Sequence[Path]) -> set[str]:
     """The undefined symbols of object files."""
     lines = tool("nm", "--undefined-only", "--format=just-symbols", *paths).splitlines()
     return {line.strip() for line in lines if line.startswith("_")}
+
+
+def exported(stub: Path) -> set[str]:
+    """Every symbol that a link stub names."""
+    return set(re.findall(r"[\w$]+", stub.read_text(encoding="utf-8")))
 
 
 @dataclass(frozen=True)
@@ -48,27 +54,27 @@ class Section:
 class Slice:
     """The part of a file for one architecture, as a file of its own."""
 
-    def __init__(self, path, architecture, scratch):
-        self.name, self.architecture = Path(path).name, architecture
-        self.path = Path(scratch) / f"{Path(path).name}.{architecture}"
+    def __init__(self, path: Path, architecture: str, scratch: Path) -> None:
+        self.name, self.architecture = path.name, architecture
+        self.path = scratch / f"{path.name}.{architecture}"
         tool("lipo", path, "-thin", architecture, "-output", self.path)
         self.data = self.path.read_bytes()
 
     @cached_property
-    def libraries(self):
+    def libraries(self) -> list[str]:
         """Install names of the libraries that the file loads."""
         text = tool("objdump", "--macho", "--dylibs-used", self.path)
         return [line.split(" (")[0].strip() for line in text.splitlines()[1:]]
 
     @cached_property
-    def minimum_system(self):
+    def minimum_system(self) -> str:
         text = tool("objdump", "--macho", "--private-headers", self.path)
         found = re.search(r"LC_BUILD_VERSION.*?minos ([\d.]+)"
                           r"|LC_VERSION_MIN_MACOSX.*?version ([\d.]+)", text, re.DOTALL)
         return (found.group(1) or found.group(2)) if found else "none"
 
     @cached_property
-    def undefined(self):
+    def undefined(self) -> list[Undefined]:
         """What other libraries must supply, but for dyld_stub_binder, which the linker adds itself."""
         pattern = re.compile(r"\(undefined\) (weak )?external (\S+)(?: \(from (\S+)\))?")
         found = pattern.findall(tool("nm", "--undefined-only", "-m", self.path))
@@ -76,13 +82,13 @@ class Slice:
                 if name.startswith("_")]
 
     @cached_property
-    def implemented(self):
+    def implemented(self) -> set[tuple[str, str]]:
         """(class, selector) of every method of the file's own classes."""
         pattern = re.compile(r"[-+]\[(\w+)(?:\(\w+\))? ([^\]]+)\]")
         return set(pattern.findall(tool("nm", "--defined-only", self.path)))
 
     @cached_property
-    def sections(self):
+    def sections(self) -> dict[tuple[str, str], Section]:
         """(segment, section) -> its place, from the load commands."""
         found = {}
         count = struct.unpack_from("<I", self.data, 16)[0]
@@ -99,28 +105,30 @@ class Slice:
             at += size
         return found
 
-    def offset(self, address):
+    def offset(self, address: int) -> int | None:
         """Where in the file the byte of that address stands; None outside."""
         for section in self.sections.values():
             if section.address <= address < section.address + section.size:
                 return section.offset + address - section.address
         return None
 
-    def pointer(self, address):
-        return struct.unpack_from("<Q", self.data, self.offset(address))[0]
+    def pointer(self, address: int) -> int:
+        at = self.offset(address)
+        return int(struct.unpack_from("<Q", self.data, at)[0]) if at is not None else 0
 
     @cached_property
-    def sent(self):
+    def sent(self) -> set[str]:
         """Every selector that the file sends or otherwise names."""
         names = set()
         for (_, name), section in self.sections.items():
             if name == "__objc_selrefs":
                 for address in range(section.address, section.address + section.size, 8):
                     start = self.offset(self.pointer(address))
+                    assert start is not None, "a selector reference leads out of the file"
                     names.add(self.data[start:self.data.index(b"\0", start)].decode())
         return names
 
-    def edition(self):
+    def edition(self) -> str | None:
         """The oem value that app::buildEdition() gives: the row of the edition table to which its few
         instructions add up. None when they have another form than the two compilers' known one."""
         address = re.search(r"^(\w+) \S (?:\S+ )?__ZN3app9kEditionsE$",
