@@ -1,6 +1,6 @@
 // base 1.28 and gui 0.29 start two daemons per user, for distributed notifications (gdnc) and the
 // pasteboard (gpbs). Both outlive the program; when one hangs, -[NSApplication terminate:] of every
-// later program waits for it for ever. Without them there is no copy and paste between programs.
+// later program waits for it forever. Without them there is no copy and paste between programs.
 
 #import <AppKit/AppKit.h>
 

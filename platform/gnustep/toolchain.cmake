@@ -1,7 +1,7 @@
 # Finds what an Objective-C++ compile with clang over GCC's Objective-C runtime needs.
 #
 # Sets GNUSTEP_INCLUDE_DIR, OBJC_INCLUDE_DIR, GNUSTEP_GUI_LIBRARY, GNUSTEP_BASE_LIBRARY and
-# OBJC_LIBRARY. GCC keeps <objc/...> beside its own compiler headers, which clang must not see: a
+# OBJC_LIBRARY. GCC keeps <objc/...> next to its own compiler headers, which clang must not see: a
 # folder that holds nothing but a link to objc/ stands in for it.
 
 find_program(GCC_FOR_OBJC_RUNTIME NAMES gcc-12 gcc REQUIRED)

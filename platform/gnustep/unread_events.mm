@@ -47,7 +47,7 @@ NSEvent *getEventPatiently(id self, SEL selector, unsigned mask, NSDate *limit, 
 }
 
 + (void)backendLoaded:(NSNotification *)notification {
-  // Once: a second time would find this file's own function, and call itself for ever.
+  // Once: a second time would find this file's own function, and call itself forever.
   [[NSNotificationCenter defaultCenter] removeObserver:self];
   Method method = class_getInstanceMethod(
       NSClassFromString(@"XGServer"), @selector(getEventMatchingMask:beforeDate:inMode:dequeue:));

@@ -1,5 +1,5 @@
 // gui 0.29 keeps only the last piece of an element's text in an interface file; the XML parser
-// starts a new piece at line ends and characters outside ASCII.
+// starts a new piece at newlines and characters outside ASCII.
 
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSXibElement.h>

@@ -85,4 +85,20 @@ TEST_F(Alert, ShowsItsButtonsOrOK) {
   }
 }
 
+TEST_F(Alert, HasTheMarginsAndTheButtonOfAnAlertOnMacOS) {
+  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+  [alert setMessageText:@"message\n\nof three lines"];
+  [alert addButtonWithTitle:@"Quit"];
+  [alert _setupPanel];
+  NSView *content = [[alert window] contentView];
+  std::vector<NSButton *> buttons;
+  collect(content, [NSButton class], buttons);
+  for (NSButton *button : buttons) {
+    if ([button imagePosition] == NSImageOnly) continue;
+    EXPECT_EQ(NSWidth([content bounds]) - NSMaxX([button frame]), 20 - 6);
+    EXPECT_EQ(NSMinY([button frame]), 20 - 7);
+    EXPECT_TRUE([button image] == nil) << "no sign of the Return key";
+  }
+}
+
 }  // namespace

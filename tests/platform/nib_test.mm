@@ -37,7 +37,7 @@ TEST(Nib, MayBeMissing) {
   EXPECT_TRUE(objects == nil);
 }
 
-TEST(Nib, KeepsTextsThatHoldLineEndsAndAccents) {
+TEST(Nib, KeepsStringsWithNewlinesAndAccents) {
   [NSApplication sharedApplication];
   PanelOwner *owner = [[[PanelOwner alloc] init] autorelease];
   [[NSBundle mainBundle] loadNibNamed:@"Panel" owner:owner topLevelObjects:nil];

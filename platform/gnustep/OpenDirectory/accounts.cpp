@@ -99,7 +99,7 @@ int converse(int count, const pam_message **messages, pam_response **answer, voi
   return PAM_SUCCESS;
 }
 
-/// Keeps PAM from sleeping after a failure: the caller's windows would stand still meanwhile.
+/// Keeps PAM from sleeping after a failure: the caller's windows would not respond.
 void doNotDelay(int, unsigned, void *) {}
 
 int authenticate(const char *user, char *password) {
