@@ -39,6 +39,8 @@ static ServerWindowController *theServerWindow = nil;
   [self translate];
   [OUTLET(OkButton) setKeyEquivalent:@"\r"];
   if (@available(macOS 10.10, *)) [OkButton setHighlighted:YES];
+  // Escape. Not in the settings window, where it would discard what is typed.
+  [OUTLET(QuitButton) setKeyEquivalent:@"\x1b"];
   [NSApp activateIgnoringOtherApps:YES];
 }
 
@@ -54,7 +56,6 @@ static ServerWindowController *theServerWindow = nil;
 
 - (IBAction)OkAction:(id)sender {
   app::AppStatics &statics = app::appStatics();
-  // Required: kept as typed, also when they are wrong, until the next attempt.
   statics.user = app::utf8([OUTLET(username) stringValue]);
   statics.pwd = app::utf8([OUTLET(password) stringValue]);
   if (app::authenticateLocalAdminUser(statics.user, statics.pwd)) {

@@ -28,6 +28,7 @@
   [OUTLET(TestButton) setTitle:app::nsString(strings.test)];
   [OUTLET(reset_settings) setTitle:app::nsString(strings.reset_settings)];
   [self translateLanguage:info];
+  [self describeTestResult];
 }
 
 - (void)translateLanguage:(const i18n::JsonData::Info &)info {

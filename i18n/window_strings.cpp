@@ -1,5 +1,6 @@
 #include "i18n/window_strings.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -17,18 +18,48 @@ struct LanguageRow {
   /// catalogue's word.
   bool captionNameFirst;
   std::string_view joint;
+  /// By `TestResult`.
+  std::array<std::string_view, app::countEnumerators<TestResult>()> testResults;
 };
 
 // Required: the hints are fixed, capitals and angle brackets included, and not in the catalogue.
 using Names = struct JsonData::Info::Language;
 constexpr auto kRows = std::to_array<LanguageRow>({
-    {Language::En, &Names::english, "ip or hostname", true, " "},
-    {Language::Fr, &Names::french, "ip ou <nom de machine>", false, " "},
-    {Language::It, &Names::italian, "ip o <Nome host>", false, " "},
-    {Language::Ge, &Names::german, "ip oder Hostname", true, "-"},
-    {Language::Es, &Names::spanish, "ip o <nombre de host>", false, " "},
+    {Language::En,
+     &Names::english,
+     "ip or hostname",
+     true,
+     " ",
+     {"Not tested", "Server reachable", "Server unreachable"}},
+    {Language::Fr,
+     &Names::french,
+     "ip ou <nom de machine>",
+     false,
+     " ",
+     {"Non testé", "Serveur joignable", "Serveur injoignable"}},
+    {Language::It,
+     &Names::italian,
+     "ip o <Nome host>",
+     false,
+     " ",
+     {"Non verificato", "Server raggiungibile", "Server non raggiungibile"}},
+    {Language::Ge,
+     &Names::german,
+     "ip oder Hostname",
+     true,
+     "-",
+     {"Nicht getestet", "Server erreichbar", "Server nicht erreichbar"}},
+    {Language::Es,
+     &Names::spanish,
+     "ip o <nombre de host>",
+     false,
+     " ",
+     {"Sin probar", "Servidor accesible", "Servidor inaccesible"}},
 });
 static_assert(app::hasRowForEach(kRows, &LanguageRow::lang));
+static_assert(std::ranges::none_of(kRows, [](const LanguageRow &row) {
+  return std::ranges::count(row.testResults, std::string_view()) > 0;
+}));
 
 const LanguageRow &rowFor(Language lang) { return kRows[static_cast<std::size_t>(lang)]; }
 
@@ -40,6 +71,10 @@ std::string serverCaption(const LanguageRow &row, std::string_view server, std::
 }
 
 }  // namespace
+
+std::string testResultString(TestResult result, Language lang) {
+  return std::string(rowFor(lang).testResults[static_cast<std::size_t>(result)]);
+}
 
 SettingsStrings settingsStrings(const JsonData::Info &info, Language lang, std::string_view oem) {
   const LanguageRow &row = rowFor(lang);

@@ -11,6 +11,12 @@
 /// place.
 namespace i18n {
 
+/// What the last connection test has found.
+enum class TestResult { NotTested, Reachable, Unreachable };
+
+/// The result as a tool tip and for speech, which says what the status image shows.
+std::string testResultString(TestResult result, Language lang);
+
 /// What the settings window shows, captions with their colons.
 struct SettingsStrings {
   std::string serverHint;  ///< tool tip of the server field

@@ -1,14 +1,31 @@
 #import "settings/ServerWindowController.h"
 
+#include "app/app_statics.h"
 #include "app/diagnostics.h"
+#include "app/ns_string.h"
 #include "app/outlet.h"
 #include "settings/connectivity.h"
 #include "settings/validation.h"
 
+namespace {
+
+NSString *imageNameFor(i18n::TestResult result) {
+  switch (result) {
+    case i18n::TestResult::NotTested:
+      return NSImageNameStatusNone;
+    case i18n::TestResult::Reachable:
+      return NSImageNameStatusAvailable;
+    case i18n::TestResult::Unreachable:
+      return NSImageNameStatusUnavailable;
+  }
+}
+
+}  // namespace
+
 @implementation ServerWindowController (ConnectionTest)
 
 - (IBAction)TestAction:(id)sender {
-  [self showStatus:NSImageNameStatusNone];
+  [self showResult:i18n::TestResult::NotTested];
   const std::string serverText = [self trimTextInField:OUTLET(servername)];
   const std::string portText = [self trimTextInField:OUTLET(port)];
   const settings::ValidationResult result =
@@ -26,13 +43,22 @@
   }
   const bool reachable = testsPort ? settings::acceptsConnection(serverText, portText)
                                    : settings::answersPing(serverText);
-  [self showStatus:reachable ? NSImageNameStatusAvailable : NSImageNameStatusUnavailable];
+  [self showResult:reachable ? i18n::TestResult::Reachable : i18n::TestResult::Unreachable];
 }
 
-- (void)showStatus:(NSString *)imageName {
-  [OUTLET(testStatus) setImage:[NSImage imageNamed:imageName]];
+- (void)showResult:(i18n::TestResult)result {
+  testResult = result;
+  [OUTLET(testStatus) setImage:[NSImage imageNamed:imageNameFor(result)]];
+  [self describeTestResult];
   // Now: the command blocks the window, which would go on showing the previous result.
   [testStatus display];
+}
+
+- (void)describeTestResult {
+  NSString *description = app::nsString(i18n::testResultString(testResult, app::appStatics().lang));
+  [OUTLET(testStatus) setToolTip:description];
+  // No visible label describes the image.
+  [testStatus setAccessibilityLabel:description];
 }
 
 @end

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "i18n/language.h"
+#include "i18n/window_strings.h"
 
 /// The settings window: shows the stored settings and starts the actions on them. Its interface
 /// file is "ServerWindowController". Created once, after the first successful login; lives to the
@@ -26,6 +27,7 @@
   IBOutlet NSButton *Apply_button;
   IBOutlet NSButton *Quit_button;
   NSString *defaultPort;
+  i18n::TestResult testResult;  ///< what `testStatus` shows
 }
 
 /// Fills server and port from server.plist and selects its language as the edition of that title
@@ -57,6 +59,9 @@
 /// Pings the server or tries its port and shows the result in `testStatus`. Bad input is corrected
 /// in its field, and no command runs.
 - (IBAction)TestAction:(id)sender;
+
+/// Says the result in the current language, as tool tip and spoken description of `testStatus`.
+- (void)describeTestResult;
 
 @end
 

@@ -81,6 +81,12 @@ constexpr NSEventModifierFlags NSEventModifierFlagCommand = NSCommandKeyMask;
 - (BOOL)loadNibNamed:(NSNibName)nibName owner:(id)owner topLevelObjects:(NSArray **)topLevelObjects;
 @end
 
+@interface NSView (MissingAPI)
+/// What a screen reader says of the view; see accessibility.mm.
+- (void)setAccessibilityLabel:(NSString *)label;
+- (NSString *)accessibilityLabel;
+@end
+
 @interface NSControl (MissingAPI)
 /// The default-button look of a button; see control_highlight.mm.
 - (BOOL)isHighlighted;

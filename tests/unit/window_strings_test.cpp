@@ -62,6 +62,22 @@ TEST(ServerHint, IsFixedPerLanguage) {
   EXPECT_EQ(i18n::settingsStrings(info, Es, "Zentavo").serverHint, "ip o <nombre de host>");
 }
 
+TEST(TestResult, IsSaidInEveryLanguage) {
+  using enum i18n::TestResult;
+  const std::tuple<i18n::Language, const char *, const char *, const char *> rows[] = {
+      {En, "Not tested", "Server reachable", "Server unreachable"},
+      {Fr, "Non testé", "Serveur joignable", "Serveur injoignable"},
+      {It, "Non verificato", "Server raggiungibile", "Server non raggiungibile"},
+      {Ge, "Nicht getestet", "Server erreichbar", "Server nicht erreichbar"},
+      {Es, "Sin probar", "Servidor accesible", "Servidor inaccesible"},
+  };
+  for (const auto &[lang, notTested, reachable, unreachable] : rows) {
+    EXPECT_EQ(i18n::testResultString(NotTested, lang), notTested);
+    EXPECT_EQ(i18n::testResultString(Reachable, lang), reachable);
+    EXPECT_EQ(i18n::testResultString(Unreachable, lang), unreachable);
+  }
+}
+
 TEST(ServerCaption, JoinsTheEditionWordAsTheLanguageDoes) {
   struct {
     const char *oem, *word;

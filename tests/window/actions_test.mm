@@ -132,6 +132,36 @@ TEST_F(Actions, TestHasDrawnItsStatusWhenTheCommandBlocksTheWindow) {
   }
 }
 
+TEST_F(Actions, TestSaysItsResultInTheLanguageOfTheWindow) {
+  const auto said = [&] {
+    NSView *view = outlet<NSView>(controller_, "testStatus");
+    return app::utf8([view toolTip]) + "/" + app::utf8([view accessibilityLabel]);
+  };
+  NSPopUpButton *languages = outlet<NSPopUpButton>(controller_, "selectLanguage");
+  EXPECT_EQ(said(), "Not tested/Not tested");
+  fill("192.0.2.10", "6000", kIPAddress);
+  testing::internal::CaptureStdout();
+  for (const auto &[status, english, french] :
+       {std::tuple(0, "Server reachable", "Serveur joignable"),
+        {1, "Server unreachable", "Serveur injoignable"}}) {
+    recordingShell().answer = [&, status = status](const doubles::RecordedCommand &) {
+      EXPECT_EQ(said(), "Not tested/Not tested");
+      return agent::ShellResult{.text = {}, .status = status};
+    };
+    [controller_ TestAction:nil];
+    EXPECT_EQ(said(), std::string(english) + "/" + english);
+    [languages selectItemAtIndex:1];
+    [controller_ languageAction:nil];
+    EXPECT_EQ(said(), std::string(french) + "/" + french);
+    [languages selectItemAtIndex:0];
+    [controller_ languageAction:nil];
+  }
+  testing::internal::GetCapturedStdout();
+  type(controller_, "servername", "");
+  [controller_ TestAction:nil];
+  EXPECT_EQ(said(), "Not tested/Not tested");
+}
+
 TEST_F(Actions, TestPingsWhenNoKindIsSelected) {
   fill("::1", "6000", kIPAddress, -1);
   testing::internal::CaptureStdout();
