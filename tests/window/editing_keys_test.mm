@@ -56,6 +56,7 @@ class EditingKeys : public WindowTest {
   void SetUp() override {
     WindowTest::SetUp();
     store("en", "192.0.2.10", "6000");
+    delegate_ = launch();
   }
 
   static ActionRecorder *recordActions(NSWindow *window) {
@@ -65,10 +66,12 @@ class EditingKeys : public WindowTest {
     EXPECT_TRUE([window makeFirstResponder:recorder]);
     return recorder;
   }
+
+  AppDelegate *delegate_ = nil;
 };
 
 TEST_F(EditingKeys, AreSentToWhateverHasTheKeyboardInBothWindows) {
-  for (NSWindow *window : {outlet<NSWindow>(launch(), "window"), [openSettings() window]}) {
+  for (NSWindow *window : {outlet<NSWindow>(delegate_, "window"), [openSettings() window]}) {
     ActionRecorder *recorder = recordActions(window);
     for (const char *key : {"x", "c", "v", "a", "z", "q", "C"}) {
       EXPECT_TRUE(press(window, key, NSEventModifierFlagCommand)) << key;
@@ -89,6 +92,47 @@ TEST_F(EditingKeys, AreTheCommandKeyAloneWithTheseLetters) {
   EXPECT_EQ(recorder->actions, "");
   EXPECT_TRUE(press(window, "c", NSEventModifierFlagCommand | kCapsLock));
   EXPECT_EQ(recorder->actions, "copy ");
+}
+
+std::string edited(id owner, const char *field) {
+  return app::utf8([[outlet<NSTextField>(owner, field) currentEditor] string]);
+}
+
+TEST_F(EditingKeys, CopyCutAndPasteWithinTheProgram) {
+  ServerWindowController *controller = openSettings();
+  NSWindow *window = [controller window];
+  [window makeFirstResponder:outlet<NSTextField>(controller, "servername")];
+  press(window, "a", NSEventModifierFlagCommand);
+  press(window, "c", NSEventModifierFlagCommand);
+  EXPECT_EQ(edited(controller, "servername"), "192.0.2.10");
+  press(window, "x", NSEventModifierFlagCommand);
+  EXPECT_EQ(edited(controller, "servername"), "");
+  press(window, "v", NSEventModifierFlagCommand);
+  press(window, "v", NSEventModifierFlagCommand);
+  EXPECT_EQ(edited(controller, "servername"), "192.0.2.10192.0.2.10");
+
+  NSWindow *login = outlet<NSWindow>(delegate_, "window");
+  [login makeKeyAndOrderFront:nil];
+  [login makeFirstResponder:outlet<NSTextField>(delegate_, "password")];
+  press(login, "v", NSEventModifierFlagCommand);
+  [login makeFirstResponder:nil];
+  EXPECT_EQ(fieldText(delegate_, "password"), "192.0.2.10");
+}
+
+TEST_F(EditingKeys, NeverCopyOrCutAPassword) {
+  NSPasteboard *pasteboard = [NSPasteboard generalPasteboard];
+  [pasteboard declareTypes:@[ NSStringPboardType ] owner:nil];
+  [pasteboard setString:@"before" forType:NSStringPboardType];
+  type(delegate_, "password", "secret");
+  NSWindow *login = outlet<NSWindow>(delegate_, "window");
+  [login makeKeyAndOrderFront:nil];
+  [login makeFirstResponder:outlet<NSTextField>(delegate_, "password")];
+  for (const char *key : {"a", "c", "x"}) {
+    EXPECT_TRUE(press(login, key, NSEventModifierFlagCommand));
+    EXPECT_EQ(app::utf8([pasteboard stringForType:NSStringPboardType]), "before") << key;
+  }
+  [login makeFirstResponder:nil];
+  EXPECT_EQ(fieldText(delegate_, "password"), "secret");
 }
 
 }  // namespace
