@@ -1,5 +1,5 @@
-// NSJSONSerialization of base 1.28 accepts texts that are not JSON (01, trailing commas and
-// garbage), turns every number into a double, raises NSRangeException for some truncated texts,
+// NSJSONSerialization of base 1.28 accepts input that is not JSON (01, trailing commas and
+// garbage), turns every number into a double, raises NSRangeException for some truncated input,
 // overruns the stack on deep nesting and gives no NSError for invalid UTF-8. This one is strict
 // (RFC 8259): UTF-8, with or without a byte order mark, and only white space after the document. It
 // is built on nlohmann's parser, whose events it turns into Foundation objects. Numbers that fit 64

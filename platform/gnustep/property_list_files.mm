@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The XML parser takes "\U0041" for an A, where macOS takes it as it stands.
+/// The XML parser takes "\U0041" for an A, where macOS takes it literally.
 std::string withBackslashesKept(std::string_view xml) {
   std::string kept;
   for (std::size_t i = 0; i < xml.size(); ++i) {
@@ -24,7 +24,7 @@ id propertyList(std::string bytes) {
   const std::optional<platform::PropertyListForm> form = platform::harmlessForm(bytes);
   if (!form.has_value()) return nil;
   if (*form != platform::PropertyListForm::kBinary) {
-    // The XML parser would write a line to standard error for each text that is no UTF-8.
+    // The XML parser would write a line to standard error for each string that is not UTF-8.
     NSString *text = [[[NSString alloc] initWithBytes:bytes.data()
                                                length:bytes.size()
                                              encoding:NSUTF8StringEncoding] autorelease];

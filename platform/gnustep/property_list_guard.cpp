@@ -91,7 +91,7 @@ class BinaryWalk {
 };
 
 /// Whether there are no more of some opening marks than levels that the parser survives. Counting
-/// marks instead of levels cannot be outwitted by what comments and texts hide.
+/// marks instead of levels cannot be outwitted by what comments and strings hide.
 bool hasFewOf(std::string_view marks, std::ptrdiff_t limit, std::string_view bytes) {
   const auto isMark = [marks](char byte) { return marks.find(byte) != std::string_view::npos; };
   return std::count_if(bytes.begin(), bytes.end(), isMark) <= limit;

@@ -1,4 +1,4 @@
-/// Tells whether GNUstep's property list parsers can be trusted with some bytes. Plain C++.
+/// Whether GNUstep's property list parsers can be trusted with some bytes. Plain C++.
 
 #pragma once
 

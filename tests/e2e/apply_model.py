@@ -150,7 +150,7 @@ class ApplyModel:
         return [commands[0], Command("alice", tuple(shlex.split(line)))], False
 
     def _run(self, commands: list[Command], is_reached: bool = True) -> bool:
-        """A shell; tells whether its last command does its work."""
+        """A shell; whether its last command succeeds."""
         self.errors += self._noise(commands)
         return self._note(commands, is_reached)
 

@@ -86,13 +86,13 @@ def test_the_installer_has_a_readme_in_five_languages(packages: Path, tmp_path: 
     product = opened(packages / name("pkg"), tmp_path / "product")
     readme = ElementTree.parse(product / "Distribution").getroot().find("readme")
     assert readme is not None
-    texts = set()
+    strings = set()
     for language in LANGUAGES:
         text = (product / f"Resources/{language}.lproj" / readme.attrib["file"]).read_text("utf-8")
         assert f"{TITLE} 1.0.0" in text and "macOS 11.0" in text and "@" not in text
         assert f'lang="{language}"' in text
-        texts.add(text)
-    assert len(texts) == len(LANGUAGES)
+        strings.add(text)
+    assert len(strings) == len(LANGUAGES)
 
 
 def test_the_disk_image_holds_the_bundle_and_a_link_to_applications(mac: Mac, packages: Path,

@@ -28,9 +28,9 @@ void collect(NSView *view, Class viewClass, std::vector<View *> &found) {
 std::string textsOf(NSWindow *panel) {
   std::vector<NSTextField *> fields;
   collect([panel contentView], [NSTextField class], fields);
-  std::string texts;
-  for (NSTextField *field : fields) texts += [[field stringValue] UTF8String];
-  return texts;
+  std::string strings;
+  for (NSTextField *field : fields) strings += [[field stringValue] UTF8String];
+  return strings;
 }
 
 TEST_F(Alert, HasAWindowThatKeepsItsTitle) {

@@ -25,7 +25,7 @@ std::string problemOf(const std::string &text) {
 std::string nested(int levels) { return std::string(levels, '[') + std::string(levels, ']'); }
 
 TEST(JSON, AcceptsValidTexts) {
-  const std::string texts[] = {
+  const std::string valid[] = {
       "{}",
       "[]",
       " \t\r\n[ ] \t\r\n",
@@ -36,7 +36,7 @@ TEST(JSON, AcceptsValidTexts) {
       "[18446744073709551615,-9223372036854775808,123456789012345678901234567890]",
       nested(512),
   };
-  for (const std::string &text : texts) EXPECT_EQ(problemOf(text), "") << text;
+  for (const std::string &text : valid) EXPECT_EQ(problemOf(text), "") << text;
 }
 
 struct BadText {

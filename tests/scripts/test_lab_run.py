@@ -50,7 +50,7 @@ def lab(
 
 
 def state(path: str) -> tuple[int, ...] | None:
-    """What tells whether a file was touched; None if there is none."""
+    """The state that shows whether a file was touched; None if there is no file."""
     try:
         status = os.stat(path, follow_symlinks=False)
     except FileNotFoundError:

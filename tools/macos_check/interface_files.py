@@ -116,7 +116,7 @@ class InterfaceFile:
                 self.say(f"<{parent.tag} id={parent.get('id')}>: no attribute {name} in the format")
             for child in parent:
                 if child.tag in self.format and parent.tag not in self.format[child.tag].parents:
-                    self.say(f"<{child.tag}> may not stand in <{parent.tag}>")
+                    self.say(f"<{child.tag}> may not be in <{parent.tag}>")
 
     def check_ids(self) -> None:
         ids = Counter(e.attrib["id"] for e in self.root.iter() if e.get("id"))
@@ -130,7 +130,7 @@ class InterfaceFile:
         for element in self.root.iter():
             for name in sorted(REFERENCES & set(element.attrib)):
                 if element.get(name) not in self.objects:
-                    self.say(f"<{element.tag}>: {name} {element.get(name)} is no object of the file")
+                    self.say(f"<{element.tag}>: {name} {element.get(name)} is not an object of the file")
 
     def connections(self, tag: str) -> list[tuple[ElementTree.Element, ElementTree.Element]]:
         """(object, its connection) of every connection of that kind."""

@@ -87,8 +87,8 @@ typedef NS_ENUM(uint32_t, ODFrameworkErrors) {
 /// NO with an error.
 - (BOOL)verifyPassword:(NSString *)password error:(NSError **)error;
 
-/// Whether the user `record` belongs to this group, be it by listing or as its primary group. A
-/// user who is no member is an answer, not a failure: NO, and `*error` is set to nil.
+/// Whether the user `record` belongs to this group, by listing or as its primary group. A
+/// user who is not a member is an answer, not a failure: NO, and `*error` is set to nil.
 - (BOOL)isMemberRecord:(ODRecord *)record error:(NSError **)error;
 
 @end
