@@ -120,7 +120,7 @@ def test_an_unknown_option_is_refused_with_the_usage(script: str) -> None:
 
 
 # Script and arguments, what is replaced for it, and calls that it makes, in this order.
-# script/check-macos --self-test and script/package are run by tests/macos.
+# tests/macos runs script/check-macos --self-test and script/package.
 RUNS = [
     ("script/bench", "build/bench/bench/commands_bench", r"commands_bench .*=90 ;measure.py .* 30$"),
     ("script/bench 5", "build/bench/bench/commands_bench", r"commands_bench .*=15 ;measure.py .* 5$"),
@@ -139,7 +139,7 @@ RUNS = [
     ("script/fuzz 10", "", "--target fuzz_targets;fuzz_utf8 -max_total_time=[1-9] "),
     ("script/lint shell", "bin/git bin/xargs", " shellcheck$"),
     ("script/lint shell format", "bin/git bin/xargs", " shellcheck$; clang-format "),
-    ("script/sanitize", "", "cmake --preset asan;ctest .*unit;ctest .*window"),
+    ("script/sanitize", "", "cmake --preset instrumented;ctest .*unit;ctest .*window"),
     ("script/stress", "script/test", r"script/test -R \^stress"),
     ("script/test", "script/build", "ctest --test-dir build .* --parallel 2$"),
     ("script/test -R unit", "script/build", "ctest .* -R unit$"),
@@ -158,6 +158,17 @@ def test_a_script_runs_with_its_options(
         found = [i for i, line in enumerate(calls) if re.search(pattern, line)]
         assert found, f"no call like {pattern!r} in {calls}"
         calls = calls[found[0] + 1 :]
+
+
+@pytest.mark.parametrize(("missed", "status"), [(5, 0), (6, 1)])
+def test_coverage_runs_the_tests_and_fails_below_95_percent(
+    tree: Tree, missed: int, status: int
+) -> None:
+    tree.replace("script/sanitize", "bin/llvm-profdata-14")
+    tree.replace("bin/llvm-cov-14", text=f"#!/bin/bash\necho TOTAL - - - - - - 100 {missed}\n")
+    calls = tree.run("script/coverage", status=status)
+    assert calls[0].strip() == "script/sanitize"
+    assert f"| `app/` | 100 | {100 - missed} | {100 - missed}.0 % |" in tree.output
 
 
 def test_an_unknown_check_fails(tree: Tree) -> None:
