@@ -2,7 +2,7 @@
 #
 # Sets GNUSTEP_INCLUDE_DIR, OBJC_INCLUDE_DIR, GNUSTEP_GUI_LIBRARY, GNUSTEP_BASE_LIBRARY and
 # OBJC_LIBRARY. GCC keeps <objc/...> next to its own compiler headers, which clang must not see: a
-# folder that holds nothing but a link to objc/ stands in for it.
+# folder that holds nothing but a link to objc/ is used instead.
 
 find_program(GCC_FOR_OBJC_RUNTIME NAMES gcc-12 gcc REQUIRED)
 

@@ -87,19 +87,19 @@ def test_an_interface_that_only_tests_use_is_unknown_to_the_program(sample: Samp
     assert sample.findings() == ["retainCount is sent, but not listed"]
 
 
-def test_a_foreign_library_is_refused(sample: Sample) -> None:
-    stub = sample.source / "libforeign.tbd"
+def test_a_other_library_is_refused(sample: Sample) -> None:
+    stub = sample.source / "libother.tbd"
     stub.write_text("--- !tapi-tbd\ntbd-version: 4\n"
-                    f"targets: {api.TARGETS}\ninstall-name: '/usr/local/lib/libforeign.dylib'\n"
-                    f"exports:\n  - targets: {api.TARGETS}\n    symbols: [ '_foreign' ]\n...\n")
+                    f"targets: {api.TARGETS}\ninstall-name: '/usr/local/lib/libother.dylib'\n"
+                    f"exports:\n  - targets: {api.TARGETS}\n    symbols: [ '_other' ]\n...\n")
     sample.replace("CMakeLists.txt", "target_compile_options(",
-                   'target_link_libraries(sample PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/libforeign.tbd")\n'
+                   'target_link_libraries(sample PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/libother.tbd")\n'
                    "target_compile_options(")
-    sample.replace(CODE, "@implementation Sample", 'extern "C" void foreign();\n\n@implementation Sample')
-    sample.replace(CODE, PRESSED, PRESSED + "  foreign();\n")
+    sample.replace(CODE, "@implementation Sample", 'extern "C" void other();\n\n@implementation Sample')
+    sample.replace(CODE, PRESSED, PRESSED + "  other();\n")
     found = sample.findings()
-    assert sum(f.endswith("loads /usr/local/lib/libforeign.dylib") for f in found) == 2
-    assert sum(f.endswith("_foreign is not listed") for f in found) == 2
+    assert sum(f.endswith("loads /usr/local/lib/libother.dylib") for f in found) == 2
+    assert sum(f.endswith("_other is not listed") for f in found) == 2
 
 
 def test_a_minimum_system_other_than_the_stated_one_is_found(sample: Sample) -> None:

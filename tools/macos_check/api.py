@@ -66,7 +66,7 @@ class Row:
 
     @property
     def defines(self) -> list[str]:
-        """The names that a row which is no method and no symbol brings into the header."""
+        """The names that a row brings into the header when it is neither method nor symbol."""
         if self.kind == "typedef":
             return re.findall(r"\w+(?= =)", self.declaration) + re.findall(r"(\w+);$", self.declaration)
         return re.findall(r"\w+(?= =)", self.declaration) or [self.name]
@@ -121,7 +121,7 @@ def availability(row: Row) -> str:
 
 
 def attributes(row: Row) -> str:
-    """What stands before a class: nothing before a category."""
+    """The declaration before a class; none before a category."""
     root = "" if ":" in row.declaration else "__attribute__((objc_root_class))"
     return "" if row.extends else f"{root}{availability(row)} "
 
@@ -176,7 +176,7 @@ def test_header(rows: Sequence[Row]) -> str:
 
 
 def stub(dylib: str, rows: Sequence[Row], wanted: Sequence[str] = ()) -> str:
-    """The text of the library's link stub. A row that ends in * stands for what is wanted of it."""
+    """The text of the library's link stub. A row that ends in * represents every used symbol that matches it."""
     mine = [r for r in rows if r.dylib == dylib]
     classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
     plain = [n for n, r in symbols(mine).items() if not n.startswith("_OBJC_")]

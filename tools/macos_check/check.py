@@ -14,7 +14,7 @@ import interface_files
 import macho
 from cross_build import ARCHITECTURES, ROOT, BuildFailed, CrossBuild
 
-FOREIGN = re.compile(rb"gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx", re.IGNORECASE)
+OTHER_PLATFORMS = re.compile(rb"gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx", re.IGNORECASE)
 
 
 class Bundle:
@@ -120,11 +120,11 @@ class Checks:
             if selector not in self.sent | self.listed | declared:
                 yield f"{owner} has {selector}, which nobody calls"
 
-    def check_foreign_names(self) -> Iterator[str]:
+    def check_other_platforms(self) -> Iterator[str]:
         """no name of the development system"""
         for bundle in self.bundles:
             for path in sorted(p for p in bundle.path.rglob("*") if p.is_file()):
-                for name in sorted(set(FOREIGN.findall(path.read_bytes()))):
+                for name in sorted(set(OTHER_PLATFORMS.findall(path.read_bytes()))):
                     yield f"{path.relative_to(bundle.path.parent)}: holds {name.decode()}"
 
     def check_editions(self) -> Iterator[str]:

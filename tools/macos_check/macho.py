@@ -75,7 +75,7 @@ class Slice:
 
     @cached_property
     def undefined(self) -> list[Undefined]:
-        """What other libraries must supply, but for dyld_stub_binder, which the linker adds itself."""
+        """What other libraries must supply, except for dyld_stub_binder, which the linker adds itself."""
         pattern = re.compile(r"\(undefined\) (weak )?external (\S+)(?: \(from (\S+)\))?")
         found = pattern.findall(tool("nm", "--undefined-only", "-m", self.path))
         return [Undefined(name, dylib, bool(weak)) for weak, name, dylib in found
@@ -106,7 +106,7 @@ class Slice:
         return found
 
     def offset(self, address: int) -> int | None:
-        """Where in the file the byte of that address stands; None outside."""
+        """The position in the file of the byte at that address; None outside."""
         for section in self.sections.values():
             if section.address <= address < section.address + section.size:
                 return section.offset + address - section.address
