@@ -80,7 +80,7 @@ void writeSystemLog(const WantedSettings &wanted, bool reset, bool isEffective) 
 }
 
 /// Acts under the mark, which stays when anything is not as asked.
-void act(Run &run, RunLock &lock, bool reset) {
+void act(Run &run, const RunLock &lock, bool reset) {
   Report &report = run.result.report;
   if (const std::error_code error = lock.setMark({.processGroup = ::getpgrp(), .reset = reset})) {
     report.problems.push_back("nothing was changed: the run cannot be marked as unfinished: " +
@@ -101,7 +101,7 @@ void act(Run &run, RunLock &lock, bool reset) {
   writeSystemLog(*report.wanted, reset, report.problems.empty());
 }
 
-Result applyUnderLock(Run run, const WantedSettings &wanted, RunLock &lock) {
+Result applyUnderLock(Run run, const WantedSettings &wanted, const RunLock &lock) {
   const std::optional<UnfinishedMark> left = lock.mark();
   if (left) waitForProcessGroup(left->processGroup, kSecondsForLeftCommands);
   run.look(wanted, left.has_value());
@@ -117,7 +117,7 @@ Result applyUnderLock(Run run, const WantedSettings &wanted, RunLock &lock) {
 }
 
 Result apply(const Run &run, const WantedSettings &wanted) {
-  RunLock lock(kRunFolder);
+  const RunLock lock(kRunFolder);
   if (lock.isBusy()) return refusal(kTemporary, "another run is at work");
   if (lock.error()) {
     return refusal(kNotAsAsked, std::string("nothing was changed: no lock in ") + kRunFolder +

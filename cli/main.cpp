@@ -9,20 +9,7 @@
 #include "cli/commands.h"
 #include "cli/process.h"
 
-#ifndef PRODUCT_VERSION
-#error "PRODUCT_VERSION must hold the version, as a string literal"
-#endif
-
 namespace {
-
-/// A result that nobody takes is not worth an error: what was to be done is done.
-void write(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = ::write(descriptor, text.data(), text.size());
-    if (count <= 0) return;
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
 
 std::string version(const app::Edition &edition) {
   return "configure-agent " PRODUCT_VERSION " (" + std::string(edition.oem) + ")\n";
@@ -35,7 +22,9 @@ cli::Result run(const cli::ParsedOptions &parsed, const app::Edition &edition) {
     return cli::refusal(cli::kNoPermission, "must be run as root");
   }
   cli::useSystemCommands();
-  if (parsed.options.verb == cli::Verb::Apply) cli::enterOwnSession();
+  if (parsed.options.verb == cli::Verb::Apply && !cli::enterOwnSession()) {
+    return cli::refusal(cli::kNotAsAsked, "nothing was changed: no session of its own");
+  }
   return cli::carryOut(parsed.options, edition);
 }
 
@@ -49,9 +38,9 @@ void print(const cli::Result &result, bool asJson, int output) {
     }
   }
   if (asJson) {
-    write(output, jsonReport(report));
+    cli::writeTo(output, jsonReport(report));
   } else if (!isRefusal) {
-    write(output, textReport(report));
+    cli::writeTo(output, textReport(report));
   }
 }
 
@@ -65,7 +54,7 @@ int main(int argc, char *argv[]) {
       cli::parseOptions(std::vector<std::string>(argv + (argc > 0), argv + argc), edition);
   const cli::Verb verb = parsed.options.verb;
   if (parsed.error.empty() && (verb == cli::Verb::Help || verb == cli::Verb::Version)) {
-    write(output, verb == cli::Verb::Help ? cli::usage(edition) : version(edition));
+    cli::writeTo(output, verb == cli::Verb::Help ? cli::usage(edition) : version(edition));
     return cli::kAsAsked;
   }
   const cli::Result result = run(parsed, edition);

@@ -34,19 +34,26 @@ bool isOffered(const app::Edition &edition, const std::string &code) {
   return i18n::getLanguageType(i18n::choiceForCode(edition, code).lang) == code;
 }
 
-struct VerbName {
+/// A command, and every option that it takes.
+struct Command {
   std::string_view name;
   Verb verb;
+  std::string_view options;  ///< each with a space on both sides
 };
 
-constexpr std::array<VerbName, 6> kVerbs{{
-    {"show", Verb::Show},
-    {"check", Verb::Check},
-    {"apply", Verb::Apply},
-    {"--help", Verb::Help},
-    {"-h", Verb::Help},
-    {"--version", Verb::Version},
+constexpr std::array<Command, 6> kCommands{{
+    {"show", Verb::Show, " --json "},
+    {"check", Verb::Check, " --server --port --language --json "},
+    {"apply", Verb::Apply, " --server --port --language --reset --force --json "},
+    {"--help", Verb::Help, ""},
+    {"-h", Verb::Help, ""},
+    {"--version", Verb::Version, ""},
 }};
+
+bool takes(const Command &command, const std::string &option) {
+  return option.find(' ') == std::string::npos &&
+         command.options.find(" " + option + " ") != std::string_view::npos;
+}
 
 /// An option that takes a value.
 struct ValueOption {
@@ -74,35 +81,17 @@ constexpr std::array<Flag, 3> kFlags{{
     {"--json", &Options::json},
 }};
 
-/// Which options a verb takes; all that a row names, and no other.
-struct VerbOptions {
-  Verb verb;
-  std::string_view names;  ///< each with a space on both sides
-};
-
-constexpr std::array<VerbOptions, 5> kVerbOptions{{
-    {Verb::Show, " --json "},
-    {Verb::Check, " --server --port --language --json "},
-    {Verb::Apply, " --server --port --language --reset --force --json "},
-    {Verb::Help, ""},
-    {Verb::Version, ""},
-}};
-
-bool takes(Verb verb, const std::string &option) {
-  const auto *row = std::ranges::find(kVerbOptions, verb, &VerbOptions::verb);
-  return option.find(' ') == std::string::npos &&
-         row->names.find(" " + option + " ") != std::string_view::npos;
-}
-
 /// The row of that name, or null.
-template <class Table>
-const auto *rowFor(const Table &table, const std::string &name) {
-  const auto *row = std::ranges::find_if(table, [&](const auto &r) { return r.name == name; });
-  return row == table.end() ? nullptr : row;
+template <class Row, std::size_t Count>
+const Row *rowFor(const std::array<Row, Count> &table, const std::string &name) {
+  for (const Row &row : table) {
+    if (row.name == name) return &row;
+  }
+  return nullptr;
 }
 
 /// Drops what a valid port may have beyond its digits: a sign and leading zeros.
-std::string plainDecimal(std::string port) {
+std::string plainDecimal(const std::string &port) {
   const std::size_t first = port.find_first_not_of("+-0");
   return first == std::string::npos ? "0" : port.substr(first);
 }
@@ -110,8 +99,9 @@ std::string plainDecimal(std::string port) {
 /// Reads the options behind the verb, one at a time, up to the first error.
 class Reader {
  public:
-  Reader(const std::vector<std::string> &arguments, const app::Edition &edition, Options &options)
-      : arguments_(arguments), edition_(edition), options_(options) {}
+  Reader(const std::vector<std::string> &arguments, const Command &command,
+         const app::Edition &edition, Options &options)
+      : arguments_(arguments), command_(command), edition_(edition), options_(options) {}
 
   /// What is wrong; empty when nothing is.
   std::string read() {
@@ -124,8 +114,9 @@ class Reader {
   // No message repeats an argument: what an engine passes by mistake may be a secret.
   std::string readOption() {
     const std::string &name = arguments_[next_++];
-    if (!takes(options_.verb, name)) {
-      return "argument " + std::to_string(next_) + " is not an option of this command";
+    if (!takes(command_, name)) {
+      return "argument " + std::to_string(next_) + " is not an option of " +
+             std::string(command_.name);
     }
     const Flag *flag = rowFor(kFlags, name);
     return flag == nullptr ? readValue(*rowFor(kValueOptions, name)) : readFlag(*flag);
@@ -148,6 +139,7 @@ class Reader {
   }
 
   const std::vector<std::string> &arguments_;
+  const Command &command_;
   const app::Edition &edition_;
   Options &options_;
   std::size_t next_ = 1;
@@ -162,12 +154,12 @@ bool needsServer(const Options &options) {
 ParsedOptions parseOptions(const std::vector<std::string> &arguments, const app::Edition &edition) {
   ParsedOptions parsed;
   Options &options = parsed.options;
-  const VerbName *verb = arguments.empty() ? nullptr : rowFor(kVerbs, arguments.front());
-  if (verb == nullptr) {
+  const Command *command = arguments.empty() ? nullptr : rowFor(kCommands, arguments.front());
+  if (command == nullptr) {
     parsed.error = "the first argument must be show, check or apply";
   } else {
-    options.verb = verb->verb;
-    parsed.error = Reader(arguments, edition, options).read();
+    options.verb = command->verb;
+    parsed.error = Reader(arguments, *command, edition, options).read();
   }
   if (parsed.error.empty() && needsServer(options) && !options.server) {
     parsed.error = "--server is required";

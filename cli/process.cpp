@@ -9,8 +9,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 
+#include "app/diagnostics.h"
 #include "app/error_log.h"
 #include "cli/exit_status.h"
 
@@ -31,7 +31,7 @@ void copyToEnd(int from, int to) {
   std::array<char, 4096> buffer;
   ssize_t count = 0;
   while ((count = ::read(from, buffer.data(), buffer.size())) > 0) {
-    if (::write(to, buffer.data(), static_cast<std::size_t>(count)) < 0) return;
+    writeTo(to, {buffer.data(), static_cast<std::size_t>(count)});
   }
 }
 
@@ -40,6 +40,7 @@ void copyToEnd(int from, int to) {
 int separateResultFromMessages() {
   int null = ::open("/dev/null", O_RDWR);
   while (null >= 0 && null <= STDERR_FILENO) null = ::dup(null);
+  if (null < 0) app::fatalError("the null device cannot be opened");
   ::dup2(null, STDIN_FILENO);
   ::close(null);
   const int result = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
@@ -47,23 +48,30 @@ int separateResultFromMessages() {
   return result;
 }
 
+void writeTo(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = ::write(descriptor, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
 void useSystemCommands() {
   ::setenv("PATH", "/usr/bin:/bin:/usr/sbin:/sbin", 1);
   for (const char *startupFile : {"BASH_ENV", "ENV"}) ::unsetenv(startupFile);
 }
 
-void enterOwnSession() {
-  if (::setsid() >= 0) return;
+bool enterOwnSession() {
+  if (::setsid() >= 0) return true;
   ::signal(SIGCHLD, SIG_DFL);  // ignored, it would take the child's exit status with it
   const pid_t child = ::fork();
-  if (child == 0) {
-    ::setsid();
-  } else if (child > 0) {
+  if (child < 0) return false;
+  if (child > 0) {
     ignoreInterruptions();
     passOnExitStatus(child);
-  } else {
-    app::printErrorLog("unable to enter a session of its own");
   }
+  return ::setsid() >= 0;
 }
 
 void ignoreInterruptions() {
@@ -72,7 +80,10 @@ void ignoreInterruptions() {
 
 MessageBuffer::MessageBuffer() {
   FILE *file = std::tmpfile();
-  if (file == nullptr) return;
+  if (file == nullptr) {
+    app::printErrorLog("unable to make a temporary file for messages");
+    return;
+  }
   file_ = ::fcntl(::fileno(file), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   std::fclose(file);
   standardError_ = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);

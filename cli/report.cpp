@@ -158,10 +158,10 @@ std::string textReport(const Report &report) {
   std::string text = line("changed", report.changed ? "yes" : "no");
   if (report.before && report.after) {
     const Members before = membersFor(*report.before);
-    const Members after = membersFor(*report.after);
-    for (std::size_t i = 0; i < after.size(); ++i) {
-      const bool isSame = before[i].json == after[i].json;
-      text += line(after[i].name, (isSame ? "" : before[i].text + " -> ") + after[i].text);
+    auto was = before.begin();
+    for (const Member &is : membersFor(*report.after)) {
+      text += line(is.name, (was->json == is.json ? "" : was->text + " -> ") + is.text);
+      ++was;
     }
   }
   for (const std::string &problem : report.problems) text += line("problem", printable(problem));

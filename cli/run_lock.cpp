@@ -86,7 +86,7 @@ RunLock::~RunLock() {
 
 std::optional<UnfinishedMark> RunLock::mark() const { return markIn(file_); }
 
-std::error_code RunLock::setMark(const UnfinishedMark &mark) {
+std::error_code RunLock::setMark(const UnfinishedMark &mark) const {
   // One write, so that a kill leaves the mark whole or not there.
   const std::string text =
       std::to_string(mark.processGroup) + (mark.reset ? " " + std::string(kReset) : "") + "\n";
@@ -96,7 +96,7 @@ std::error_code RunLock::setMark(const UnfinishedMark &mark) {
   return done ? std::error_code() : lastError();
 }
 
-std::error_code RunLock::clearMark() {
+std::error_code RunLock::clearMark() const {
   return ::ftruncate(file_, 0) == 0 ? std::error_code() : lastError();
 }
 

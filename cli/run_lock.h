@@ -38,8 +38,8 @@ class RunLock {
 
   /// What an earlier run left. The lock must be held, as for the rest.
   std::optional<UnfinishedMark> mark() const;
-  [[nodiscard]] std::error_code setMark(const UnfinishedMark &mark);
-  [[nodiscard]] std::error_code clearMark();
+  [[nodiscard]] std::error_code setMark(const UnfinishedMark &mark) const;
+  [[nodiscard]] std::error_code clearMark() const;
 
  private:
   int file_ = -1;

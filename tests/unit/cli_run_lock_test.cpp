@@ -61,14 +61,14 @@ TEST_F(Lock, IsNotInheritedByCommands) {
 TEST_F(Lock, KeepsAMarkBeyondItsEnd) {
   EXPECT_FALSE(readMark(folder_));
   {
-    RunLock lock(folder_);
+    const RunLock lock(folder_);
     EXPECT_FALSE(lock.mark());
     EXPECT_FALSE(lock.setMark({.processGroup = 4711, .reset = true}));
   }
   ASSERT_TRUE(readMark(folder_));
   EXPECT_EQ(readMark(folder_)->processGroup, 4711);
   EXPECT_TRUE(readMark(folder_)->reset);
-  RunLock lock(folder_);
+  const RunLock lock(folder_);
   ASSERT_TRUE(lock.mark());
   EXPECT_EQ(lock.mark()->processGroup, 4711);
   EXPECT_FALSE(lock.setMark({.processGroup = 7, .reset = false}));
