@@ -35,6 +35,8 @@ EXECUTABLES = {"ours": ZENTAVO.program} | {
     title: ZENTAVO.program.parents[1] / f"{title}.app" / title
     for title in ("One Window", "No Menu", "Code Window")
 }
+TOOL = ZENTAVO.program.with_name("configure-agent")
+EMPTY_TOOL = EXECUTABLES["One Window"].with_name("empty-tool")
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
 NEW = server_plist("fr", "192.0.2.1", "4000", False)
 BASH_LINE = ("/bin/bash", "-c")
@@ -253,6 +255,32 @@ def measure_apply(bench: Bench, runs: int, folder: Path) -> dict[str, list[float
     )
 
 
+def seconds_of(*command: object) -> float:
+    """Seconds of a command that root runs, from its start to its end."""
+    words = [str(word) for word in command]
+    began = time.monotonic()
+    with subprocess.Popen(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+        ended = end_of(process.pid)
+    assert process.returncode == 0
+    return ended - began
+
+
+def measure_tool(bench: Bench, runs: int) -> dict[str, list[float]]:
+    """Seconds of the tool's start, of that of an empty program, and of an apply that finds everything
+    as asked."""
+    bench.reset()
+    bench.machine.write_server_plist(NEW)
+    apply_nothing = (TOOL, "apply", "--server", "192.0.2.1", "--json")
+    return alternately(
+        runs,
+        {
+            "start": lambda: seconds_of(TOOL, "--version"),
+            "empty": lambda: seconds_of(EMPTY_TOOL),
+            "unchanged": lambda: seconds_of(*apply_nothing),
+        },
+    )
+
+
 def main() -> int:
     parser = argparse.ArgumentParser()
     parser.add_argument("commands", type=Path, help="JSON output of commands_bench")
@@ -265,10 +293,11 @@ def main() -> int:
             start, used = measure_start(bench, options.runs)
             login = measure_login(bench, options.runs // 2)
             applied = measure_apply(bench, options.runs, Path(folder))
+            tool = measure_tool(bench, options.runs)
         finally:
             bench.close()
     commands = json.loads(options.commands.read_text())["benchmarks"]
-    return 0 if print_table(EXECUTABLES, commands, start, used, login, applied) else 1
+    return 0 if print_table(EXECUTABLES, commands, start, used, login, applied, tool) else 1
 
 
 if __name__ == "__main__":

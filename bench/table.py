@@ -109,6 +109,16 @@ def apply_rows(applied: Mapping[str, Values]) -> list[Row]:
     ]
 
 
+def tool_rows(tool: Mapping[str, Values]) -> list[Row]:
+    unchanged = tool["unchanged"]
+    limit = [0.150] * len(unchanged)
+    return [
+        compare("`configure-agent`, start to exit", tool["start"], "empty program with its libraries",
+                tool["empty"], 1.5, milliseconds),
+        compare("`configure-agent apply`, nothing to do", unchanged, "fixed", limit, 1.0, milliseconds),
+    ]
+
+
 def sizes(program: Path) -> tuple[float, ...]:
     """Sizes in kB: the executable as built, stripped, and the bundle with the stripped one."""
     with tempfile.NamedTemporaryFile() as stripped:
@@ -132,9 +142,10 @@ def print_table(
     used: Mapping[str, Sequence[tuple[int, int]]],
     login: Mapping[str, Values],
     applied: Mapping[str, Values],
+    tool: Mapping[str, Values],
 ) -> bool:
     """Whether every limit is met."""
-    rows = command_rows(commands) + start_rows(start, used) + apply_rows(applied)
+    rows = command_rows(commands) + start_rows(start, used) + apply_rows(applied) + tool_rows(tool)
     rows += size_rows(executables["ours"], executables["One Window"])
     print("| what | program | baseline | ratio | limit |\n|---|---|---|---|---|")
     print("\n".join(map(str, rows)))

@@ -78,6 +78,16 @@ class Checks:
             for dylib in sorted(set(part.libraries) - known):
                 yield f"{bundle.title} ({part.architecture}): loads {dylib}"
 
+    def check_tools(self) -> Iterator[str]:
+        """every bundle of the program has the tool, which loads no windows"""
+        for bundle in self.bundles:
+            tools = [s for s in bundle.slices if s.name != bundle.title]
+            if self.build.source == ROOT and {s.name for s in tools} != {"configure-agent"}:
+                yield f"{bundle.title}: its tools are {sorted({s.name for s in tools})}"
+            for part in tools:
+                if any("AppKit" in dylib for dylib in part.libraries):
+                    yield f"{bundle.title}: {part.name} ({part.architecture}) loads AppKit"
+
     def check_minimum_system(self) -> Iterator[str]:
         """minimum system as the property list states"""
         for bundle, part in self.slices:
