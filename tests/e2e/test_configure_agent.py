@@ -7,13 +7,14 @@ import shutil
 import socket
 import subprocess
 import threading
+from collections.abc import Callable, Iterator
 from itertools import product
 from pathlib import Path
 
 import pytest
 import tool
 from driver.editions import EDITIONS
-from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST
+from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, Machine
 from driver.paths import LAB, REPOSITORY
 from expected_commands import (
     DAEMON_FILE,
@@ -30,7 +31,8 @@ from tool import APPLY, NEW_SERVER, checks, looks, run, sequence
 OLD = server_plist("fr", "192.0.2.1", "4000", False)
 NEW = server_plist("fr", NEW_SERVER, "4000", False)
 SETTINGS = EDITIONS["Zentavo"].settings
-AS_ASKED = {
+DAEMON_EXECUTABLE = f"{SETTINGS.parent}/SystemAgentDaemon"
+AS_ASKED: dict[str, object] = {
     "server": NEW_SERVER,
     "port": 4000,
     "language": "fr",
@@ -40,11 +42,13 @@ AS_ASKED = {
     "console": "alice",
     "unfinished": False,
 }
-WANTED = {name: AS_ASKED[name] for name in ("server", "port", "language", "profile")}
+WANTED: dict[str, object] = {
+    name: AS_ASKED[name] for name in ("server", "port", "language", "profile")
+}
 
 
 @pytest.fixture(autouse=True)
-def running_agent(machine):
+def running_agent(machine: Machine) -> None:
     """Both jobs are loaded, with settings that differ from those that are asked for."""
     tool.forget_runs()
     machine.write_server_plist(OLD)
@@ -52,7 +56,7 @@ def running_agent(machine):
 
 
 @pytest.fixture
-def nobody_at_console():
+def nobody_at_console() -> Iterator[None]:
     console = Path("/dev/console")
     owner = console.stat().st_uid
     os.chown(console, 0, -1)
@@ -61,17 +65,19 @@ def nobody_at_console():
 
 
 @pytest.mark.parametrize(("agent", "daemon", "reset"), product([False, True], repeat=3))
-def test_apply_runs_the_defined_commands_between_two_looks(machine, agent, daemon, reset):
+def test_apply_runs_the_defined_commands_between_two_looks(
+    machine: Machine, agent: bool, daemon: bool, reset: bool
+) -> None:
     machine.reset()
     machine.write_server_plist(OLD)
     machine.load(*([AGENT] if agent else []), *([DAEMON] if daemon else []))
     result = run(*APPLY, *(["--reset"] if reset else []))
     assert result.status == 0
-    stops = tuple(s for s, loaded in [(stop_agent, agent), (stop_daemon, daemon)] if loaded)
+    stops: tool.Operations = (*([stop_agent] if agent else []), *([stop_daemon] if daemon else []))
     assert machine.journal() == [*looks(), *sequence(stops=stops, reset=reset), *checks()]
     assert result.report == {
         "changed": True,
-        "before": {**AS_ASKED, "server": "192.0.2.1", "daemon": daemon, "agent": agent},
+        "before": AS_ASKED | {"server": "192.0.2.1", "daemon": daemon, "agent": agent},
         "after": AS_ASKED,
         "wanted": WANTED,
         "problems": [],
@@ -85,7 +91,7 @@ def test_apply_runs_the_defined_commands_between_two_looks(machine, agent, daemo
 
 
 @pytest.mark.parametrize("edition", EDITIONS)
-def test_each_edition_has_its_own_tool(machine, edition):
+def test_each_edition_has_its_own_tool(machine: Machine, edition: str) -> None:
     row = EDITIONS[edition]
     machine.install_profiles(row.profile)
     language = row.languages[-1]
@@ -99,20 +105,22 @@ def test_each_edition_has_its_own_tool(machine, edition):
         *checks(),
     ]
     assert [file.name for file in row.settings.iterdir()] == ["daemon.settings.xml"]
-    version = re.search(r"VERSION ([\d.]+)", (REPOSITORY / "CMakeLists.txt").read_text().split("project(")[1])
+    project = (REPOSITORY / "CMakeLists.txt").read_text().split("project(", 1)[1]
+    version = re.findall(r"VERSION ([\d.]+)", project)[0]
     shown = run("--version", edition=edition)
-    assert (shown.status, shown.output) == (0, f"configure-agent {version[1]} ({edition})\n")
+    assert (shown.status, shown.output) == (0, f"configure-agent {version} ({edition})\n")
 
 
 @pytest.mark.parametrize("edition", EDITIONS)
-def test_the_tool_links_no_windows(edition):
-    listing = subprocess.run(["ldd", tool.path(edition)], capture_output=True, text=True, check=True)
-    assert "libgnustep-base" in listing.stdout
-    assert "libgnustep-gui" not in listing.stdout
-    assert "libX11" not in listing.stdout
+def test_the_tool_links_no_windows(edition: str) -> None:
+    command = ["ldd", str(tool.path(edition))]
+    libraries = subprocess.run(command, capture_output=True, text=True, check=True).stdout
+    assert "libgnustep-base" in libraries
+    assert "libgnustep-gui" not in libraries
+    assert "libX11" not in libraries
 
 
-def test_apply_does_nothing_when_everything_is_as_asked_already(machine):
+def test_apply_does_nothing_when_everything_is_as_asked_already(machine: Machine) -> None:
     assert run(*APPLY).status == 0
     written = SERVER_PLIST.stat().st_mtime_ns
     ran = len(machine.journal())
@@ -127,8 +135,10 @@ def test_apply_does_nothing_when_everything_is_as_asked_already(machine):
 
 
 @pytest.mark.parametrize("form", [plistlib.FMT_XML, plistlib.FMT_BINARY], ids=["XML", "binary"])
-def test_a_file_that_the_agent_has_rewritten_with_equal_values_counts_as_unchanged(machine, form):
-    values = {**WANTED, "written by": "the agent"}
+def test_a_file_that_the_agent_has_rewritten_with_equal_values_counts_as_unchanged(
+    machine: Machine, form: plistlib.PlistFormat
+) -> None:
+    values = WANTED | {"written by": "the agent"}
     machine.write_server_plist(plistlib.dumps(values, fmt=form))
     result = run(*APPLY)
     assert (result.status, result.report["changed"]) == (0, False)
@@ -139,21 +149,23 @@ def test_a_file_that_the_agent_has_rewritten_with_equal_values_counts_as_unchang
     ("name", "value"), [("port", "4000"), ("server", "192.0.2.1"), ("language", "en"),
                         ("profile", True), ("profile", 0), ("port", 4000.0)],
 )
-def test_a_stored_value_that_differs_or_has_another_type_is_replaced(machine, name, value):
-    machine.write_server_plist(plistlib.dumps({**WANTED, name: value}))
+def test_a_stored_value_that_differs_or_has_another_type_is_replaced(
+    machine: Machine, name: str, value: object
+) -> None:
+    machine.write_server_plist(plistlib.dumps(WANTED | {name: value}))
     result = run(*APPLY, "--port", "4000", "--language", "fr")
     assert (result.status, result.report["changed"]) == (0, True)
     assert SERVER_PLIST.read_bytes() == NEW
 
 
-def test_force_acts_although_everything_is_as_asked(machine):
+def test_force_acts_although_everything_is_as_asked(machine: Machine) -> None:
     machine.write_server_plist(NEW)
     result = run(*APPLY, "--force")
     assert (result.status, result.report["changed"]) == (0, True)
     assert machine.journal() == [*looks(), *sequence(), *checks()]
 
 
-def test_a_reset_happens_only_when_the_run_acts(machine):
+def test_a_reset_happens_only_when_the_run_acts(machine: Machine) -> None:
     machine.write_server_plist(NEW)
     files = sorted(file.name for file in SETTINGS.iterdir())
     assert run(*APPLY, "--reset").report["changed"] is False
@@ -162,7 +174,7 @@ def test_a_reset_happens_only_when_the_run_acts(machine):
     assert [file.name for file in SETTINGS.iterdir()] == ["daemon.settings.xml"]
 
 
-def machine_files() -> dict[Path, tuple]:
+def machine_files() -> dict[Path, tuple[int, int]]:
     """Everything that a dry run could leave behind."""
     folders = ("/Library", "/Applications/Zentavo", "/run", "/tmp", "/var/tmp", "/etc")
     paths = [path for folder in folders for path in Path(folder).rglob("*")]
@@ -170,13 +182,13 @@ def machine_files() -> dict[Path, tuple]:
 
 
 @pytest.mark.parametrize("verb", ["check", "show"])
-def test_a_dry_run_changes_nothing(machine, verb, tmp_path):
+def test_a_dry_run_changes_nothing(machine: Machine, verb: str, tmp_path: Path) -> None:
     before = machine_files()
     home = {**tool.ENVIRONMENT, "HOME": str(tmp_path)}
     result = run(verb, *(["--server", NEW_SERVER] if verb == "check" else []), "--json", env=home)
     assert machine_files() == before
     assert machine.loaded() == {AGENT, DAEMON}
-    present = {**AS_ASKED, "server": "192.0.2.1"}
+    present = AS_ASKED | {"server": "192.0.2.1"}
     assert result.report["before"] == present
     if verb == "show":
         assert machine.journal() == looks()[len(looks()) - len(checks()) - 4 :]
@@ -192,13 +204,13 @@ def test_a_dry_run_changes_nothing(machine, verb, tmp_path):
         ]
 
 
-def test_check_agrees_when_everything_is_as_asked(machine):
+def test_check_agrees_when_everything_is_as_asked(machine: Machine) -> None:
     machine.write_server_plist(NEW)
     result = run("check", "--server", NEW_SERVER, "--json")
     assert (result.status, result.report["changed"], result.report["problems"]) == (0, False, [])
 
 
-def test_people_get_a_table(machine):
+def test_people_get_a_table(machine: Machine) -> None:
     result = run("check", "--server", NEW_SERVER)
     assert result.status == 1
     assert result.output.splitlines()[:3] == [
@@ -208,25 +220,27 @@ def test_people_get_a_table(machine):
     ]
 
 
-def test_without_a_user_at_the_console_the_per_user_job_is_left_alone(machine, nobody_at_console):
+def test_without_a_user_at_the_console_the_per_user_job_is_left_alone(
+    machine: Machine, nobody_at_console: None
+) -> None:
     result = run(*APPLY)
     assert result.status == 0
     assert machine.journal() == [
         *looks(console=False), *sequence(console=False), *checks(console=False)
     ]
-    assert result.report["after"] == {**AS_ASKED, "agent": None, "console": None}
+    assert result.report["after"] == AS_ASKED | {"agent": None, "console": None}
     assert machine.loaded() == {AGENT, DAEMON}
     assert run(*APPLY).report["changed"] is False
 
 
-def test_values_that_are_not_named_are_those_of_the_settings_window(machine):
+def test_values_that_are_not_named_are_those_of_the_settings_window(machine: Machine) -> None:
     SERVER_PLIST.unlink()
-    assert run(*APPLY).report["wanted"] == {**WANTED, "port": 6000, "language": "en"}
+    assert run(*APPLY).report["wanted"] == WANTED | {"port": 6000, "language": "en"}
     machine.write_server_plist(server_plist("es", "192.0.2.1", "0", False))
-    assert run(*APPLY).report["wanted"] == {**WANTED, "port": 0, "language": "fr"}
+    assert run(*APPLY).report["wanted"] == WANTED | {"port": 0, "language": "fr"}
 
 
-def test_a_stored_port_that_no_port_may_be_has_to_be_named(machine):
+def test_a_stored_port_that_no_port_may_be_has_to_be_named(machine: Machine) -> None:
     machine.write_server_plist(server_plist("fr", "192.0.2.1", "70000", False))
     result = run(*APPLY)
     assert result.status == 64
@@ -261,7 +275,9 @@ def test_a_stored_port_that_no_port_may_be_has_to_be_named(machine):
     ],
     ids=lambda arguments: str(arguments[1:])[:40],
 )
-def test_a_bad_command_line_runs_no_command(machine, arguments):
+def test_a_bad_command_line_runs_no_command(
+    machine: Machine, arguments: tuple[str | bytes, ...]
+) -> None:
     result = run(*arguments, "--json")
     assert result.status == 64
     report = result.report
@@ -272,26 +288,32 @@ def test_a_bad_command_line_runs_no_command(machine, arguments):
     assert run(*arguments).output == ""
 
 
-@pytest.mark.parametrize("verb", [("show",), ("check", "--server", "mdm"), ("apply", "--server", "mdm")])
-def test_only_root_may_use_it(machine, verb):
-    command = [LAB / "login", "alice", tool.path(), *verb]
+@pytest.mark.parametrize(
+    "verb", [("show",), ("check", "--server", "mdm"), ("apply", "--server", "mdm")]
+)
+def test_only_root_may_use_it(machine: Machine, verb: tuple[str, ...]) -> None:
+    command = [str(LAB / "login"), "alice", str(tool.path()), *verb]
     result = subprocess.run(command, capture_output=True, text=True, check=False, timeout=30)
     assert (result.returncode, result.stdout) == (77, "")
     assert result.stderr == "configure-agent: must be run as root\n"
     assert machine.journal() == []
 
 
-def test_an_administrators_sudo_makes_it_roots(machine):
-    command = [LAB / "login", "alice", "/usr/bin/sudo", "-S", tool.path(), *APPLY]
-    result = subprocess.run(command, input="alice-pw\n", capture_output=True, text=True, check=False, timeout=30)
+def test_an_administrators_sudo_makes_it_roots(machine: Machine) -> None:
+    command = [str(LAB / "login"), "alice", "/usr/bin/sudo", "-S", str(tool.path()), *APPLY]
+    result = subprocess.run(
+        command, input="alice-pw\n", capture_output=True, text=True, check=False, timeout=30
+    )
     assert result.returncode == 0, result.stderr
     assert SERVER_PLIST.read_bytes() == NEW
     assert machine.journal()[-len(checks()) :] == checks()
 
 
-@pytest.mark.parametrize("file", [f"{EDITIONS['Zentavo'].folder}/SystemAgent/SystemAgentDaemon", DAEMON_FILE])
+@pytest.mark.parametrize("file", [DAEMON_EXECUTABLE, DAEMON_FILE])
 @pytest.mark.parametrize("verb", ["show", "check", "apply"])
-def test_without_an_agent_it_says_so_and_runs_nothing(machine, verb, file):
+def test_without_an_agent_it_says_so_and_runs_nothing(
+    machine: Machine, verb: str, file: str
+) -> None:
     moved = shutil.move(file, f"{file}.moved")
     try:
         result = run(verb, *(["--server", "mdm"] if verb != "show" else []), "--json")
@@ -308,7 +330,9 @@ def owner_and_mode(file: Path) -> tuple[int, int, int]:
 
 
 @pytest.mark.parametrize("kept", [(501, 80, 0o664), (0, 0, 0o640), (502, 20, 0o600)])
-def test_a_reset_leaves_the_daemons_settings_to_their_owner(machine, kept):
+def test_a_reset_leaves_the_daemons_settings_to_their_owner(
+    machine: Machine, kept: tuple[int, int, int]
+) -> None:
     file = SETTINGS / "daemon.settings.xml"
     os.chown(file, kept[0], kept[1])
     file.chmod(kept[2])
@@ -317,7 +341,7 @@ def test_a_reset_leaves_the_daemons_settings_to_their_owner(machine, kept):
     assert "default" in file.read_text()
 
 
-def test_a_reset_gives_missing_settings_to_the_owner_of_their_folder(machine):
+def test_a_reset_gives_missing_settings_to_the_owner_of_their_folder(machine: Machine) -> None:
     file = SETTINGS / "daemon.settings.xml"
     file.unlink()
     os.chown(SETTINGS, 502, 80)
@@ -326,7 +350,7 @@ def test_a_reset_gives_missing_settings_to_the_owner_of_their_folder(machine):
     assert not any((SETTINGS / name).exists() for name in RESET_FILES)
 
 
-def test_commands_cannot_read_what_the_engine_sends(machine):
+def test_commands_cannot_read_what_the_engine_sends(machine: Machine) -> None:
     read_end, write_end = os.pipe()
     os.write(write_end, b"for the engine\n")
     assert run(*APPLY, stdin=read_end).status == 0
@@ -336,13 +360,13 @@ def test_commands_cannot_read_what_the_engine_sends(machine):
 
 
 @pytest.fixture
-def system_log():
+def system_log() -> Iterator[Callable[[], list[str]]]:
     """The lines that come to the system log; those of sudo are among them."""
     lines = []
     log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
     log.bind("/dev/log")
 
-    def receive():
+    def receive() -> None:
         while line := log.recv(4096):
             lines.append(line.decode().rstrip("\0\n"))
 
@@ -361,7 +385,9 @@ def system_log():
     Path("/dev/log").unlink()
 
 
-def test_every_act_is_one_line_in_the_system_log(machine, system_log):
+def test_every_act_is_one_line_in_the_system_log(
+    machine: Machine, system_log: Callable[[], list[str]]
+) -> None:
     for arguments in (APPLY, APPLY, ("check", "--server", "mdm"), ("show",), ("apply",)):
         run(*arguments)
     machine.add_fault("launchctl", "^/bin/launchctl load -w /Library/LaunchDaemons", exit=1)
@@ -373,7 +399,7 @@ def test_every_act_is_one_line_in_the_system_log(machine, system_log):
     ]
 
 
-def test_the_callers_environment_chooses_no_commands(machine, tmp_path):
+def test_the_callers_environment_chooses_no_commands(machine: Machine, tmp_path: Path) -> None:
     for name in ("stat", "id", "grep", "startup"):
         (tmp_path / name).write_text(f"#!/bin/bash\ntouch {tmp_path}/ran\n")
         (tmp_path / name).chmod(0o755)
@@ -388,7 +414,7 @@ def test_the_callers_environment_chooses_no_commands(machine, tmp_path):
     assert machine.journal() == [*looks(), *sequence(), *checks()]
 
 
-def test_a_folder_that_keeps_its_settings_is_named_and_the_jobs_run_again(machine):
+def test_a_folder_that_keeps_its_settings_is_named_and_the_jobs_run_again(machine: Machine) -> None:
     subprocess.run(["mount", "--bind", PREFERENCES, PREFERENCES], check=True)
     try:
         subprocess.run(["mount", "-o", "remount,bind,ro", PREFERENCES], check=True)

@@ -1,5 +1,5 @@
-"""configure-agent when something goes wrong in the middle: killed, interrupted, two at once, jobs that
-do not stop or start. The next run puts everything right."""
+"""configure-agent when something goes wrong in the middle: interrupted, two at once, jobs that do
+not stop or start. The next run puts everything right."""
 
 import os
 import shutil
@@ -10,7 +10,7 @@ import time
 import pytest
 import tool
 from driver.editions import EDITIONS
-from driver.machine import AGENT, DAEMON, SERVER_PLIST
+from driver.machine import AGENT, DAEMON, SERVER_PLIST, Machine
 from driver.waiting import wait_until
 from expected_commands import RESET_FILES, server_plist
 from tool import APPLY, NEW_SERVER, apply_to, checks, finish, looks, run, sequence
@@ -23,13 +23,13 @@ BOTH = {AGENT, DAEMON}
 
 
 @pytest.fixture(autouse=True)
-def running_agent(machine):
+def running_agent(machine: Machine) -> None:
     tool.forget_runs()
     machine.write_server_plist(OLD)
     machine.load(AGENT, DAEMON)
 
 
-def wait_for(machine, line: str) -> None:
+def wait_for(machine: Machine, line: str) -> None:
     """Waits until a command is called whose line begins like that."""
 
     def was_called() -> bool:
@@ -39,7 +39,9 @@ def wait_for(machine, line: str) -> None:
 
 
 @pytest.mark.parametrize("mark_asks_for_it", [True, False])
-def test_an_interrupted_reset_is_finished_by_a_run_that_was_not_asked_to(machine, mark_asks_for_it):
+def test_an_interrupted_reset_is_finished_by_a_run_that_was_not_asked_to(
+    machine: Machine, mark_asks_for_it: bool
+) -> None:
     machine.add_fault("SystemAgentDaemon", times=1, delay=0.5, exit=1)
     arguments = ("--reset",) if mark_asks_for_it else ()
     process = tool.start(*apply_to(NEW_SERVER, "--reset"))
@@ -55,10 +57,11 @@ def test_an_interrupted_reset_is_finished_by_a_run_that_was_not_asked_to(machine
     assert run("show", "--json").report["before"]["unfinished"] is False
 
 
-def test_a_command_of_a_killed_run_has_ended_before_the_next_run_looks(machine):
-    machine.add_fault("launchctl", "^/bin/launchctl unload -w /Library/LaunchDaemons", times=1, delay=1)
+def test_a_command_of_a_killed_run_has_ended_before_the_next_run_looks(machine: Machine) -> None:
+    unload = "/bin/launchctl unload -w /Library/LaunchDaemons"
+    machine.add_fault("launchctl", f"^{unload}", times=1, delay=1)
     process = tool.start(*APPLY)
-    wait_for(machine, "/bin/launchctl unload -w /Library/LaunchDaemons")
+    wait_for(machine, unload)
     process.kill()
     process.communicate()
     result = run(*APPLY)
@@ -71,11 +74,13 @@ SIGNALS = [signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGTERM, signal.
 
 
 @pytest.mark.parametrize("leads_a_session", [False, True], ids=["in the engine's group", "leader"])
-@pytest.mark.parametrize("number", SIGNALS, ids=lambda number: number.name)
-@pytest.mark.parametrize("moment", ["unload -w /Library/LaunchDaemons", "load -w /Library/LaunchAgents"])
+@pytest.mark.parametrize("number", SIGNALS, ids=[number.name for number in SIGNALS])
+@pytest.mark.parametrize(
+    "moment", ["unload -w /Library/LaunchDaemons", "load -w /Library/LaunchAgents"]
+)
 def test_what_ends_other_programs_does_not_reach_a_run_that_acts(
-    machine, number, leads_a_session, moment
-):
+    machine: Machine, number: signal.Signals, leads_a_session: bool, moment: str
+) -> None:
     machine.add_fault("launchctl", f"^/bin/launchctl {moment}", times=1, delay=0.3)
     process = tool.start(*APPLY, start_new_session=leads_a_session)
     wait_for(machine, f"/bin/launchctl {moment}")
@@ -91,33 +96,39 @@ def test_what_ends_other_programs_does_not_reach_a_run_that_acts(
 
 
 @pytest.mark.parametrize("leads_a_session", [False, True], ids=["in the engine's group", "leader"])
-def test_a_lost_connection_leaves_no_job_stopped(machine, leads_a_session):
+def test_a_lost_connection_leaves_no_job_stopped(machine: Machine, leads_a_session: bool) -> None:
     # Every command of the sequence has something to say, and nobody hears it any more.
     machine.add_fault("launchctl", "unload -w", delay=0.2, stderr=60000)
     machine.add_fault("launchctl", "load -w", stderr=60000)
     process = tool.start(*APPLY, start_new_session=leads_a_session)
     wait_for(machine, "/bin/launchctl unload -w")
-    process.stdout.close()
-    process.stderr.close()
+    for stream in (process.stdout, process.stderr):
+        assert stream is not None
+        stream.close()
     process.send_signal(signal.SIGHUP)
     assert process.wait(timeout=30) == 0
     assert machine.loaded() == BOTH
     assert SERVER_PLIST.read_bytes() == NEW
 
 
-def test_an_engine_that_closes_every_stream_gets_its_work_done(machine):
+def test_an_engine_that_closes_every_stream_gets_its_work_done(machine: Machine) -> None:
     command = 'exec "$@" <&- >&- 2>&-'
-    line = ["/bin/bash", "-c", command, "-", tool.path(), *APPLY]
-    subprocess.run(line, env={**tool.ENVIRONMENT}, check=True, timeout=30)
+    line = ["/bin/bash", "-c", command, "-", str(tool.path()), *APPLY]
+    subprocess.run(line, env=tool.ENVIRONMENT, check=True, timeout=30)
     assert machine.loaded() == BOTH
     assert SERVER_PLIST.read_bytes() == NEW
 
 
-def test_messages_come_in_order_before_the_report(machine):
+def test_messages_come_in_order_before_the_report(machine: Machine) -> None:
     machine.add_fault("launchctl", "^/bin/launchctl unload", stderr=3)
     both = subprocess.run(
-        [tool.path(), *APPLY], env=tool.ENVIRONMENT, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-        text=True, check=True, timeout=30,
+        [tool.path(), *APPLY],
+        env=tool.ENVIRONMENT,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        text=True,
+        check=True,
+        timeout=30,
     ).stdout.splitlines()
     assert both[:5] == [
         "USER=alice uid=501",
@@ -129,7 +140,7 @@ def test_messages_come_in_order_before_the_report(machine):
     assert both[5].startswith('{"changed":true') and len(both) == 6
 
 
-def test_a_second_run_gives_way_at_once(machine):
+def test_a_second_run_gives_way_at_once(machine: Machine) -> None:
     machine.add_fault("launchctl", "^/bin/launchctl unload", times=1, delay=1)
     first = tool.start(*APPLY)
     wait_for(machine, "/bin/launchctl unload")
@@ -162,8 +173,8 @@ PROBLEMS = {
 @pytest.mark.parametrize("status", [0, 1])
 @pytest.mark.parametrize("operation", OPERATIONS)
 def test_a_job_that_does_not_stop_or_start_is_a_failure_and_the_next_run_acts_again(
-    machine, operation, status
-):
+    machine: Machine, operation: str, status: int
+) -> None:
     machine.add_fault("launchctl", f"^/bin/launchctl {OPERATIONS[operation]}", times=1, exit=status)
     failed = run(*APPLY)
     assert failed.status == 1
@@ -186,8 +197,8 @@ def test_a_job_that_does_not_stop_or_start_is_a_failure_and_the_next_run_acts_ag
     ],
 )
 def test_a_reset_that_did_not_work_is_a_failure_and_the_next_run_repeats_it(
-    machine, program, part, problem
-):
+    machine: Machine, program: str, part: str, problem: str
+) -> None:
     machine.add_fault(program, part, times=1, exit=1)
     failed = run(*APPLY, "--reset")
     assert (failed.status, failed.report["problems"]) == (1, [problem])
@@ -196,7 +207,7 @@ def test_a_reset_that_did_not_work_is_a_failure_and_the_next_run_repeats_it(
     assert DAEMON_SETTINGS.read_text() != ""
 
 
-def test_a_lock_folder_that_others_may_write_to_is_refused(machine):
+def test_a_lock_folder_that_others_may_write_to_is_refused(machine: Machine) -> None:
     tool.RUN_FOLDER.mkdir()
     tool.RUN_FOLDER.chmod(0o777)
     result = run(*APPLY)
@@ -209,12 +220,13 @@ def test_a_lock_folder_that_others_may_write_to_is_refused(machine):
     assert run(*APPLY).status == 0
 
 
-def test_a_console_user_without_an_id_is_reported_and_left_alone(machine):
+def test_a_console_user_without_an_id_is_reported_and_left_alone(machine: Machine) -> None:
     machine.add_fault("id", exit=1)
     result = run(*APPLY)
     assert result.status == 1
     assert result.report["problems"] == [
-        "the owner of the console has no user id, so the per-user job of that user cannot be reached"
+        "the owner of the console has no user id, "
+        "so the per-user job of that user cannot be reached"
     ]
     assert SERVER_PLIST.read_bytes() == NEW
     assert machine.loaded() == BOTH

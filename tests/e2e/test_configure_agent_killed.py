@@ -5,7 +5,7 @@ from itertools import cycle
 
 import tool
 from driver.editions import EDITIONS
-from driver.machine import AGENT, DAEMON, SERVER_PLIST
+from driver.machine import AGENT, DAEMON, SERVER_PLIST, Machine
 from expected_commands import RESET_FILES, server_plist
 from tool import NEW_SERVER, apply_to, run
 
@@ -19,7 +19,9 @@ def stored(server: str) -> bytes:
     return server_plist("fr", server, "4000", False)
 
 
-def test_killed_at_any_moment_it_leaves_a_whole_file_and_the_next_run_repairs_everything(machine):
+def test_killed_at_any_moment_it_leaves_a_whole_file_and_the_next_run_repairs_everything(
+    machine: Machine
+) -> None:
     tool.forget_runs()
     machine.write_server_plist(stored("192.0.2.1"))
     machine.load(AGENT, DAEMON)

@@ -4,6 +4,7 @@ import json
 import os
 import shutil
 import subprocess
+from collections.abc import Callable, Mapping
 from dataclasses import dataclass
 from pathlib import Path
 from typing import Any
@@ -25,6 +26,7 @@ from expected_commands import (
 ALICE = ACCOUNTS["alice"]
 ROOT = Account("root", 0, "")
 RUN_FOLDER = Path("/run/configure-agent")
+Operations = tuple[Callable[..., list[Command]], ...]
 NEW_SERVER = "192.0.2.10"
 
 
@@ -50,7 +52,7 @@ class Result:
     def report(self) -> dict[str, Any]:
         """The report: one line of JSON, and nothing else on standard output."""
         assert self.output.endswith("\n") and self.output.count("\n") == 1, self.output
-        report = json.loads(self.output)
+        report: dict[str, Any] = json.loads(self.output)
         assert list(report) == ["changed", "before", "after", "wanted", "problems"]
         return report
 
@@ -59,11 +61,24 @@ def path(edition: str = "Zentavo") -> Path:
     return EDITIONS[edition].program.with_name("configure-agent")
 
 
-def start(*arguments: str, edition: str = "Zentavo", **options: Any) -> subprocess.Popen[str]:
+def start(
+    *arguments: str | bytes,
+    edition: str = "Zentavo",
+    stdin: int = subprocess.DEVNULL,
+    env: Mapping[str, str] = ENVIRONMENT,
+    start_new_session: bool = False,
+) -> subprocess.Popen[str]:
     """Starts the tool as root."""
-    streams = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE}
-    settings = {"env": ENVIRONMENT, "text": True, "cwd": "/", **streams, **options}
-    return subprocess.Popen([path(edition), *arguments], **settings)
+    return subprocess.Popen(
+        [path(edition), *arguments],
+        stdin=stdin,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.PIPE,
+        text=True,
+        cwd="/",
+        env=env,
+        start_new_session=start_new_session,
+    )
 
 
 def finish(process: subprocess.Popen[str]) -> Result:
@@ -72,7 +87,7 @@ def finish(process: subprocess.Popen[str]) -> Result:
     return Result(process.returncode, output, errors)
 
 
-def run(*arguments: str, **options: Any) -> Result:
+def run(*arguments: str | bytes, **options: Any) -> Result:
     """Runs the tool as root to its end."""
     return finish(start(*arguments, **options))
 
@@ -85,8 +100,8 @@ def forget_runs() -> None:
 def looks(*, edition: str = "Zentavo", console: bool = True) -> list[Command]:
     """The commands by which the tool finds out what there is."""
     lookup = console_lookup("root", ALICE)
-    commands = [*profile_check("root", ROOT, EDITIONS[edition]), *(lookup if console else lookup[:2])]
-    return commands + checks(console)
+    commands = profile_check("root", ROOT, EDITIONS[edition])
+    return [*commands, *(lookup if console else lookup[:2]), *checks(console)]
 
 
 def checks(console: bool = True) -> list[Command]:
@@ -98,9 +113,9 @@ def sequence(
     *,
     edition: str = "Zentavo",
     console: bool = True,
-    stops: tuple = (stop_agent, stop_daemon),
+    stops: Operations = (stop_agent, stop_daemon),
     reset: bool = False,
-    starts: tuple = (start_daemon, start_agent),
+    starts: Operations = (start_daemon, start_agent),
 ) -> list[Command]:
     """The commands of Apply, without the look-up of the console user."""
     alice = ("root", "alice", ALICE.uid)
