@@ -16,6 +16,7 @@ import tool
 from driver.editions import EDITIONS
 from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, Machine
 from driver.paths import LAB, REPOSITORY
+from driver.waiting import wait_until
 from expected_commands import (
     DAEMON_FILE,
     RESET_FILES,
@@ -350,13 +351,17 @@ def test_a_reset_gives_missing_settings_to_the_owner_of_their_folder(machine: Ma
     assert not any((SETTINGS / name).exists() for name in RESET_FILES)
 
 
-def test_commands_cannot_read_what_the_engine_sends(machine: Machine) -> None:
-    read_end, write_end = os.pipe()
-    os.write(write_end, b"for the engine\n")
-    assert run(*APPLY, stdin=read_end).status == 0
-    os.close(write_end)
-    assert os.read(read_end, 100) == b"for the engine\n"
-    os.close(read_end)
+def test_commands_read_from_the_null_device(machine: Machine) -> None:
+    machine.add_fault("launchctl", "^/bin/launchctl asuser", times=1, delay=0.5)
+    process = tool.start(*APPLY, stdin=subprocess.PIPE)
+
+    def command() -> int | None:
+        records = [record for record in machine.records() if "asuser" in record["argv"]]
+        return records[0]["pid"] if records else None
+
+    pid = wait_until(command, "a command in the console user's session")
+    assert os.readlink(f"/proc/{pid}/fd/0") == "/dev/null"
+    assert tool.finish(process).status == 0
 
 
 @pytest.fixture
