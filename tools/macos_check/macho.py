@@ -4,6 +4,7 @@ sections."""
 import re
 import struct
 import subprocess
+import tempfile
 from collections.abc import Sequence
 from dataclasses import dataclass
 from functools import cached_property
@@ -56,7 +57,8 @@ class Slice:
 
     def __init__(self, path: Path, architecture: str, scratch: Path) -> None:
         self.name, self.architecture = path.name, architecture
-        self.path = scratch / f"{path.name}.{architecture}"
+        # A folder of its own: every bundle has a tool of the same name.
+        self.path = Path(tempfile.mkdtemp(dir=scratch)) / f"{path.name}.{architecture}"
         tool("lipo", path, "-thin", architecture, "-output", self.path)
         self.data = self.path.read_bytes()
 
