@@ -1,7 +1,7 @@
-"""Measures the Ansible task against plain parallel ssh. Runs inside lab/fleet, next to the machines.
+"""Measures the Ansible task against plain parallel ssh. Runs next to the machines of lab/fleet.
 
-Every run opens new connections. CPU and memory are the controller's: of Ansible or ssh and everything that they
-start, not of the machines, which share this computer's processors.
+Every run opens new connections. CPU and memory are the controller's: of Ansible or ssh and
+everything that they start, not of the machines, which share this computer's processors.
 """
 
 import ctypes
@@ -55,7 +55,7 @@ def descendants(pid: int) -> list[int]:
 
 
 def memory_now() -> int:
-    """The memory of everything that this process started. What several share is divided among them."""
+    """The memory of everything that this process started, shared pages divided."""
     total = 0
     for pid in descendants(os.getpid()):
         try:
@@ -151,7 +151,9 @@ def row(macs: list[Mac], ansible: Ansible, forks: int, operation: str, runs: int
     command = ansible_command(ansible, verb, server, forks)
     memory = measure(command, ansible.environment, watch_memory=True).memory
     wall = {engine: median(cost.wall for cost in spent) for engine, spent in costs.items()}
-    cpu = {engine: median(cost.cpu for cost in spent) / len(macs) for engine, spent in costs.items()}
+    cpu = {
+        engine: median(cost.cpu for cost in spent) / len(macs) for engine, spent in costs.items()
+    }
     return (
         f"| {len(macs)} | {forks} | {operation} | {wall['ansible']:.1f} s | {wall['ssh']:.1f} s "
         f"| {cpu['ansible']:.2f} s | {cpu['ssh']:.2f} s | {memory / 1e6:.0f} MB |"

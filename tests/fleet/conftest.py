@@ -1,4 +1,4 @@
-"""Fixtures of the tests with many machines, which run next to them: lab/fleet COUNT -- pytest ..."""
+"""Fixtures of the tests that run next to many machines: lab/fleet COUNT -- pytest ..."""
 
 from pathlib import Path
 

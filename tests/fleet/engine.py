@@ -12,12 +12,14 @@ from driver.paths import REPOSITORY
 from macs import TOOL
 
 TASK = "configuration_utility.agent.settings"
-RESULT = re.compile(r"^(ok|changed|fatal): \[(\w+)\](?:: (FAILED|UNREACHABLE)! => (\{.*\}))?$", re.M)
+RESULT = re.compile(
+    r"^(ok|changed|fatal): \[(\w+)\](?:: (FAILED|UNREACHABLE)! => (\{.*\}))?$", re.MULTILINE
+)
 
 
 @dataclass(frozen=True)
 class Outcome:
-    """What Ansible prints of one machine: ok, changed, FAILED or UNREACHABLE, and with which message."""
+    """What Ansible prints of one machine: ok, changed, FAILED or UNREACHABLE, and the result."""
 
     status: str
     result: dict[str, object] = field(default_factory=dict)
@@ -76,7 +78,7 @@ class Ansible:
             timeout=240,
         )
 
-    def playbook(self, become: bool = True, **arguments: object) -> Path:
+    def playbook(self, become: bool = True, **arguments: Any) -> Path:
         """A play of the one task, for all machines."""
         task = {TASK: {"executable": str(TOOL)} | arguments}
         play = {"hosts": "macs", "gather_facts": False, "become": become, "tasks": [task]}

@@ -55,8 +55,8 @@ class Mac:
     def settings(self) -> dict[str, object]:
         """The stored settings; empty if there are none."""
         file = self.path(SERVER_PLIST)
-        settings: dict[str, object] = plistlib.loads(file.read_bytes()) if file.exists() else {}
-        return settings
+        stored: dict[str, object] = plistlib.loads(file.read_bytes()) if file.exists() else {}
+        return stored
 
     def commands(self) -> list[str]:
         """The command lines in the journal."""
@@ -69,7 +69,7 @@ class Mac:
             faults.write(rule + "\n")
 
     def is_busy(self) -> bool:
-        """Whether configure-agent runs on the machine, or is about to: sudo and the shell name it too."""
+        """Whether configure-agent runs, or is about to: sudo and the shell name it too."""
         return any(b"configure-agent" in line for _, line in _command_lines(self.path("/proc")))
 
     def reset(self) -> None:
@@ -97,7 +97,7 @@ def find_macs() -> list[Mac]:
 
 
 def kill_processes(*beginnings: bytes) -> None:
-    """Kills the processes of this lab and of its machines whose command line begins like one of these."""
+    """Kills processes of this lab and its machines, by the beginnings of their command lines."""
     for pid, line in _command_lines(Path("/proc")):
         if line.startswith(beginnings):
             with suppress(ProcessLookupError):

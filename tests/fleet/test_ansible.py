@@ -21,7 +21,9 @@ def each(macs: list[Mac], status: str) -> dict[str, str]:
     return {mac.name: status for mac in macs}
 
 
-def test_the_first_run_changes_each_mac_and_the_second_does_nothing(macs: list[Mac], ansible: Ansible) -> None:
+def test_the_first_run_changes_each_mac_and_the_second_does_nothing(
+    macs: list[Mac], ansible: Ansible
+) -> None:
     first = ansible.apply(server=OLD, port=4000, language="fr")
     assert (first.status, first.statuses) == (0, each(macs, "changed")), first.output
     for mac in macs:
@@ -37,7 +39,9 @@ def test_the_first_run_changes_each_mac_and_the_second_does_nothing(macs: list[M
         assert [c for c in mac.commands()[commands:] if any(word in c for word in CHANGES)] == []
 
 
-def test_check_mode_shows_the_difference_and_changes_nothing(macs: list[Mac], ansible: Ansible) -> None:
+def test_check_mode_shows_the_difference_and_changes_nothing(
+    macs: list[Mac], ansible: Ansible
+) -> None:
     ansible.apply(server=OLD)
     before = [(mac.path(SERVER_PLIST).read_bytes(), len(mac.commands())) for mac in macs]
 
@@ -126,7 +130,9 @@ def test_a_program_that_gives_no_report_fails_with_its_output(ansible: Ansible) 
     assert (outcome.status, outcome.message) == ("FAILED", expected)
 
 
-def test_one_mac_without_the_agent_keeps_no_other_from_being_done(macs: list[Mac], ansible: Ansible) -> None:
+def test_one_mac_without_the_agent_keeps_no_other_from_being_done(
+    macs: list[Mac], ansible: Ansible
+) -> None:
     macs[1].shell(f"mv '{AGENT_FOLDER}' /tmp/agent; rm /Library/Launch*/com.quorvix.*")
     try:
         run = ansible.apply(server=OLD)
@@ -136,7 +142,9 @@ def test_one_mac_without_the_agent_keeps_no_other_from_being_done(macs: list[Mac
     assert "not installed" in run.outcomes[macs[1].name].message
 
 
-def test_no_output_or_log_holds_the_password(macs: list[Mac], ansible: Ansible, tmp_path: Path) -> None:
+def test_no_output_or_log_holds_the_password(
+    macs: list[Mac], ansible: Ansible, tmp_path: Path
+) -> None:
     log = tmp_path / "log"
     ansible.environment["ANSIBLE_LOG_PATH"] = str(log)
     try:
@@ -160,7 +168,7 @@ def test_the_macs_have_no_python(macs: list[Mac], ansible: Ansible) -> None:
 def arguments_of_the_plugin() -> dict[str, dict[str, object]]:
     source = REPOSITORY / "ansible/plugins/action/settings.py"
     spec = spec_from_file_location("settings", source)
-    assert spec is not None and spec.loader is not None
+    assert spec and spec.loader
     module = module_from_spec(spec)
     spec.loader.exec_module(module)
     arguments: dict[str, dict[str, object]] = module.ARGUMENTS

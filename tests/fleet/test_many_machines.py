@@ -1,4 +1,4 @@
-"""The Ansible task on twenty machines: what goes wrong on some of them, and an engine that is interrupted."""
+"""The Ansible task on twenty machines, some of which fail, and an engine that is interrupted."""
 
 import os
 import signal
@@ -25,7 +25,9 @@ def each(macs: list[Mac], status: str) -> dict[str, str]:
     return {mac.name: status for mac in macs}
 
 
-def test_changed_then_unchanged_then_check_with_the_difference(macs: list[Mac], ansible: Ansible) -> None:
+def test_changed_then_unchanged_then_check_with_the_difference(
+    macs: list[Mac], ansible: Ansible
+) -> None:
     run = ansible.apply(server=OLD)
     assert run.statuses == each(macs, "changed"), run.output
     run = ansible.apply(server=OLD)
@@ -36,13 +38,13 @@ def test_changed_then_unchanged_then_check_with_the_difference(macs: list[Mac], 
     assert [mac.settings()["server"] for mac in macs] == [OLD] * 20
 
 
-def set_link(mac: Mac, state: str) -> None:
-    subprocess.run(["ip", "link", "set", mac.name, state], check=True)
+def set_link(name: str, state: str) -> None:
+    subprocess.run(["ip", "link", "set", name, state], check=True)
 
 
 def take_down(mac: Mac, undo: ExitStack) -> None:
-    set_link(mac, "down")
-    undo.callback(set_link, mac, "up")
+    set_link(mac.name, "down")
+    undo.callback(set_link, mac.name, "up")
 
 
 def make_preferences_read_only(mac: Mac, undo: ExitStack) -> None:
@@ -129,7 +131,7 @@ def kill(engine: subprocess.Popen[bytes]) -> None:
 
 def lose_connections(engine: subprocess.Popen[bytes]) -> None:
     """The network is gone, and sshd has given up waiting for it."""
-    subprocess.run(["ip", "link", "set", "fleet", "down"], check=True)
+    set_link("fleet", "down")
     kill_processes(b"sshd: alice")
     os.killpg(engine.pid, signal.SIGKILL)
 
@@ -149,7 +151,7 @@ def test_an_interrupted_engine_leaves_no_job_stopped(
         wait_until(lambda: sum(DAEMON not in mac.loaded() for mac in macs) >= 4, "stopped jobs", 60)
         interrupt(engine)
     wait_until(lambda: not any(mac.is_busy() for mac in macs), "end of all configure-agent", 60)
-    subprocess.run(["ip", "link", "set", "fleet", "up"], check=True)
+    set_link("fleet", "up")
 
     assert {mac.name: mac.loaded() for mac in macs} == {mac.name: ALL_JOBS for mac in macs}
     assert {mac.settings()["server"] for mac in macs} <= {OLD, NEW}

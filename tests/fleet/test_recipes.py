@@ -1,4 +1,4 @@
-"""The recipes of docs/fleet.md, run as they are there. Engines run them as root with an environment of their own."""
+"""The recipes of docs/fleet.md, run exactly as they are there."""
 
 import plistlib
 import re
@@ -6,6 +6,7 @@ import sqlite3
 import subprocess
 from collections.abc import Iterator
 from pathlib import Path
+from typing import Iterator
 
 import pytest
 from driver.machine import ACCOUNTS, SERVER_PLIST
@@ -39,7 +40,7 @@ def mac(macs: list[Mac]) -> Mac:
 
 
 def run_as_engine(mac: Mac, script: str, *parameters: str) -> subprocess.CompletedProcess[str]:
-    """Runs a script on a Mac as an MDM's agent does: from a file, as root, with hardly any environment."""
+    """Runs a script as an MDM's agent does: from a file, as root, with hardly any environment."""
     file = mac.path("/tmp/recipe")
     file.write_text(script)
     file.chmod(0o700)
@@ -167,7 +168,8 @@ def test_ansibles_play_and_commands(macs: list[Mac], ansible: Ansible, tmp_path:
             text=True,
             check=True,
             timeout=120,
-            start_new_session=True,  # without a terminal, the password is read from the standard input
+            # Without a terminal, the password is read from the standard input.
+            start_new_session=True,
         )
         assert Run(0, done.stdout).statuses == {mac.name: status for mac in macs}, done.stdout
         assert all(is_pointed(mac, server=SERVER, port=6000) == is_done for mac in macs)

@@ -1,11 +1,12 @@
-"""Documentation of the task. The action plugin of the same name does the work; nothing is copied to the Mac."""
+"""Documentation of the task. The action plugin of the same name does the work."""
 
 DOCUMENTATION = """
 module: settings
 short_description: Points the management agent of a Mac at its server
 description:
-  - Runs the utility's C(configure-agent) on the Mac, which does what Apply does in the settings window. It stops
-    the agent's jobs, replaces C(server.plist) and starts the jobs again, but only if something is not as asked.
+  - Runs the utility's C(configure-agent) on the Mac, which does what Apply does in the settings
+    window. It stops the agent's jobs, replaces C(server.plist) and starts the jobs again, but only
+    if something is not as asked.
   - Needs no Python on the Mac. Set C(gather_facts=false) in the play.
   - Needs root, so set C(become=true).
 options:
