@@ -6,7 +6,6 @@ import sqlite3
 import subprocess
 from collections.abc import Iterator
 from pathlib import Path
-from typing import Iterator
 
 import pytest
 from driver.machine import ACCOUNTS, SERVER_PLIST
