@@ -124,9 +124,9 @@ std::string jsonPart(const std::optional<Part> &part) {
   return part ? jsonObject(membersFor(*part)) : "null";
 }
 
-std::string jsonArray(const std::vector<std::string> &texts) {
+std::string jsonArray(const std::vector<std::string> &strings) {
   std::string json;
-  for (const std::string &text : texts) json += (json.empty() ? "" : ",") + jsonString(text);
+  for (const std::string &text : strings) json += (json.empty() ? "" : ",") + jsonString(text);
   return "[" + json + "]";
 }
 

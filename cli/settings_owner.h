@@ -15,7 +15,7 @@ class SettingsOwner {
  public:
   explicit SettingsOwner(std::string path);
 
-  /// Gives the file its owner and mode back. A file that is missing now is no error.
+  /// Gives the file its owner and mode back. A file that is missing now is not an error.
   [[nodiscard]] std::error_code restore() const;
 
  private:

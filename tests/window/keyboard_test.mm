@@ -43,7 +43,7 @@ class Keyboard : public WindowTest {
                 std::find(controls.begin(), controls.end(), [window initialFirstResponder]),
                 controls.end());
     Names names;
-    for (NSView *control : controls) names.push_back(nameOf(control, owner));
+    for (NSView *control : controls) names.push_back(nameFor(control, owner));
     return names;
   }
 
@@ -53,7 +53,7 @@ class Keyboard : public WindowTest {
     NSView *const first = [window initialFirstResponder];
     NSView *view = first;
     do {
-      if (takesKeys(view)) names.push_back(nameOf(view, owner));
+      if (takesKeys(view)) names.push_back(nameFor(view, owner));
       view = [view performSelector:next];
     } while (view != nil && view != first && names.size() < 50);
     EXPECT_EQ(view, first) << "does not come round after " << names.back();
@@ -63,8 +63,8 @@ class Keyboard : public WindowTest {
   /// The field that is being edited.
   static std::string focus(NSWindow *window, id owner) {
     id responder = [window firstResponder];
-    if (![responder isKindOfClass:[NSText class]]) return nameOf(responder, owner);
-    return nameOf(static_cast<NSView *>([static_cast<NSText *>(responder) delegate]), owner);
+    if (![responder isKindOfClass:[NSText class]]) return nameFor(responder, owner);
+    return nameFor(static_cast<NSView *>([static_cast<NSText *>(responder) delegate]), owner);
   }
 
   static void checkLoop(NSWindow *window, id owner, std::size_t stops) {

@@ -89,11 +89,12 @@ class ProgramEntry : public WindowTest {
                                  reinterpret_cast<IMP>(recordSharedApplication));
 };
 
-std::string nameOfThisUser() { return ::getpwuid(::geteuid())->pw_name; }
+std::string currentUserName() { return ::getpwuid(::geteuid())->pw_name; }
 
 TEST_F(ProgramEntry, ChecksTheAdministratorBeforeThereIsAnApplication) {
   run({"program"});
-  EXPECT_EQ(theEvents, (Lines{"check " + nameOfThisUser(), "application", "main of the platform"}));
+  EXPECT_EQ(theEvents,
+            (Lines{"check " + currentUserName(), "application", "main of the platform"}));
 }
 
 TEST_F(ProgramEntry, AsksTheSystemAndNotTheEnvironmentWhoRunsIt) {
@@ -101,7 +102,7 @@ TEST_F(ProgramEntry, AsksTheSystemAndNotTheEnvironmentWhoRunsIt) {
   const doubles::EnvironmentVariable login("LOGNAME", "somebody-else");
   run({"program"});
   ASSERT_FALSE(theEvents.empty());
-  EXPECT_EQ(theEvents.front(), "check " + nameOfThisUser());
+  EXPECT_EQ(theEvents.front(), "check " + currentUserName());
 }
 
 TEST_F(ProgramEntry, IgnoresBrokenPipesBeforeAnythingElseRuns) {
@@ -169,7 +170,7 @@ TEST_F(ProgramEntry, TakesArgumentsThatThePlatformWouldKeepToItself) {
 TEST_F(ProgramEntry, RefusesOthersByAnAlertInFrontOfOtherWindowsAndEndsWithStatus0) {
   isAdmin_ = false;
   EXPECT_EQ(run({"program"}), 0);
-  EXPECT_EQ(theEvents, (Lines{"check " + nameOfThisUser(), "application", "activate above others",
+  EXPECT_EQ(theEvents, (Lines{"check " + currentUserName(), "application", "activate above others",
                               "run the alert"}));
 }
 
@@ -180,8 +181,8 @@ TEST_F(ProgramEntry, RefusesUnderTheTitleOfTheEditionWithOneQuitButton) {
   ASSERT_TRUE(theAlert != nil);
   EXPECT_EQ(app::utf8([[theAlert window] title]), "Tollwick Configuration Utility");
   EXPECT_EQ(app::utf8([theAlert messageText]),
-            "User " + nameOfThisUser() + " is not from local Admin group.\n\nL'utilisateur " +
-                nameOfThisUser() + " ne fait pas partie du groupe d'administrateurs local.");
+            "User " + currentUserName() + " is not from local Admin group.\n\nL'utilisateur " +
+                currentUserName() + " ne fait pas partie du groupe d'administrateurs local.");
   ASSERT_EQ([[theAlert buttons] count], 1U);
   EXPECT_EQ(app::utf8([[[theAlert buttons] objectAtIndex:0] title]), "Quit");
 }
@@ -192,7 +193,7 @@ TEST_F(ProgramEntry, RefusesInFiveLanguagesUnderTheOskelTitle) {
   run({"program"});
   ASSERT_TRUE(theAlert != nil);
   EXPECT_EQ(app::utf8([[theAlert window] title]), "Oskel Configuration Utility");
-  EXPECT_NE(app::utf8([theAlert messageText]).find("Der Benutzer " + nameOfThisUser()),
+  EXPECT_NE(app::utf8([theAlert messageText]).find("Der Benutzer " + currentUserName()),
             std::string::npos);
 }
 

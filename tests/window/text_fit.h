@@ -12,7 +12,7 @@ namespace windowtest {
 constexpr double kSpare = 0.15;
 
 /// The outlet of `owner` that is connected to the control or to its cell; else its class.
-std::string nameOf(NSView *control, id owner);
+std::string nameFor(NSView *control, id owner);
 
 /// The controls of a window, from the first to the last of its interface file.
 std::vector<NSView *> controlsOf(NSWindow *window);

@@ -124,11 +124,9 @@ CGFloat distance(NSRect a, NSRect b) {
 
 }  // namespace
 
-bool isField(NSView *view) {
-  return [view isKindOfClass:[NSTextField class]] && !isLabel(view);
-}
+bool isField(NSView *view) { return [view isKindOfClass:[NSTextField class]] && !isLabel(view); }
 
-std::string nameOf(NSView *control, id owner) {
+std::string nameFor(NSView *control, id owner) {
   id cell = [control respondsToSelector:@selector(cell)] ? [(NSControl *)control cell] : nil;
   unsigned count = 0;
   Ivar *outlets = class_copyIvarList([owner class], &count);
@@ -171,7 +169,7 @@ std::vector<std::string> textFindings(NSWindow *window, id owner) {
     if (![view isKindOfClass:[NSControl class]] || [view isKindOfClass:[NSImageView class]]) {
       continue;
     }
-    checkControl(static_cast<NSControl *>(view), nameOf(view, owner), findings);
+    checkControl(static_cast<NSControl *>(view), nameFor(view, owner), findings);
   }
   return findings;
 }
@@ -191,14 +189,14 @@ std::vector<std::string> layoutFindings(NSWindow *window, id owner) {
   for (std::size_t i = 0; i < controls.size(); ++i) {
     const NSRect visible = visibleFrame(controls[i]);
     if (!NSContainsRect(inside, visible)) {
-      findings.push_back(nameOf(controls[i], owner) +
+      findings.push_back(nameFor(controls[i], owner) +
                          " is outside the margins: " + app::utf8(NSStringFromRect(visible)));
     }
     for (std::size_t j = 0; j < i; ++j) {
       if (distance(visible, visibleFrame(controls[j])) < kGap ||
           distance([controls[i] frame], [controls[j] frame]) < 0) {
-        findings.push_back(nameOf(controls[i], owner) + " is too near to " +
-                           nameOf(controls[j], owner));
+        findings.push_back(nameFor(controls[i], owner) + " is too near to " +
+                           nameFor(controls[j], owner));
       }
     }
   }

@@ -118,11 +118,11 @@ TEST_F(Fit, FindsATextLengthenedBy40PercentInEachControl) {
   for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
                                openSettingsIn(app::kEditions[0], Language::En)}) {
     for (NSView *control : controlsOf(opened.window)) {
-      if (![control isKindOfClass:[NSControl class]] || [control isKindOfClass:[NSImageView class]] ||
-          isField(control)) {
+      if (![control isKindOfClass:[NSControl class]] ||
+          [control isKindOfClass:[NSImageView class]] || isField(control)) {
         continue;
       }
-      const std::string name = nameOf(control, opened.owner);
+      const std::string name = nameFor(control, opened.owner);
       std::string text;
       while (textFindings(opened.window, opened.owner).empty()) {
         text += text.size() % 8 == 7 ? " " : "n";
@@ -151,9 +151,8 @@ TEST_F(Fit, AnIPv6AddressFitsInTheServerFieldAndAnyLongerTextEndsWithAnEllipsis)
       const bool isText = [view isKindOfClass:[NSTextField class]];
       if (!isText && ![view isKindOfClass:[NSPopUpButton class]]) continue;
       const NSLineBreakMode mode = [[static_cast<NSControl *>(view) cell] lineBreakMode];
-      const std::string name = nameOf(view, opened.owner);
-      EXPECT_EQ(mode,
-                name == "admin_msg" ? NSLineBreakByWordWrapping : NSLineBreakByTruncatingTail)
+      const std::string name = nameFor(view, opened.owner);
+      EXPECT_EQ(mode, name == "admin_msg" ? NSLineBreakByWordWrapping : NSLineBreakByTruncatingTail)
           << name;
     }
   }
@@ -218,7 +217,7 @@ TEST_F(Fit, ButtonsAre12PointsApart) {
       12);
 }
 
-// Texts of 13 points share a baseline when a label's frame of 17 points begins that far above the
+// Text of 13 points shares a baseline when a label's frame of 17 points begins that far above the
 // frame of a field of 22 points or of a pop-up button of 25.
 TEST_F(Fit, LabelsStandOnTheBaselinesOfTheirControls) {
   constexpr CGFloat kAboveField = 2, kAbovePopUp = 5;
@@ -279,12 +278,12 @@ TEST_F(Fit, WindowsHaveAFixedSizeAndOpenInTheMiddleOfTheScreen) {
   }
 }
 
-void collectTexts(NSView *view, std::vector<NSTextField *> &texts) {
+void collectFields(NSView *view, std::vector<NSTextField *> &fields) {
   for (NSView *subview in [view subviews]) {
     if ([subview isKindOfClass:[NSTextField class]]) {
-      texts.push_back(static_cast<NSTextField *>(subview));
+      fields.push_back(static_cast<NSTextField *>(subview));
     }
-    collectTexts(subview, texts);
+    collectFields(subview, fields);
   }
 }
 
@@ -307,9 +306,9 @@ std::string refusalFinding(const std::string &title, const std::string &name) {
   NSWindow *window = [refusal(title, name) window];
   const NSSize size = [window frame].size;
   if (size.width > 1280 || size.height > 900) return "larger than the screen";
-  std::vector<NSTextField *> texts;
-  collectTexts([window contentView], texts);
-  for (NSTextField *text : texts) {
+  std::vector<NSTextField *> fields;
+  collectFields([window contentView], fields);
+  for (NSTextField *text : fields) {
     if (app::utf8([text stringValue]).find(name) == std::string::npos) continue;
     const NSRect frame = [text frame];
     const CGFloat needed = wrappedHeight([text attributedStringValue], NSWidth(frame) - 4);
