@@ -1,6 +1,6 @@
 // Takes the place of a system command in the lab. It records the call in the lab's journal, applies
-// the fault rules that a test has added for it and then becomes the real command, which the lab keeps
-// at the same path below kReal.
+// the fault rules that a test has added for it and then becomes the real command, which the lab
+// keeps at the same path below kReal.
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -27,9 +27,9 @@ constexpr std::string_view kReal = "/usr/libexec/lab/real";
 constexpr const char *kJournal = "/var/lab/journal";
 constexpr const char *kFaults = "/var/lab/faults";
 
-// A fault rule is one line: how often (six characters: a number, negative for the call of that number
-// alone; or "always"), program ("any" for all), actions joined with commas, and a part of the
-// command line (the rest of the line; ^ is its start).
+// A fault rule is one line: how often (six characters: a number, negative for the call of that
+// number alone; or "always"), program ("any" for all), actions joined with commas, and a part of
+// the command line (the rest of the line; ^ is its start).
 struct FaultRule {
   std::string_view times;
   std::string_view program;

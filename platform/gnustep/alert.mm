@@ -34,8 +34,8 @@ CGFloat placeButtons(NSArray *views, CGFloat right) {
   return right;
 }
 
-/// Gives the panel the margins and the order of an alert on macOS: the icon, the message to its right,
-/// the buttons below.
+/// Gives the panel the margins and the order of an alert on macOS: the icon, the message to its
+/// right, the buttons below.
 void layOut(NSPanel *panel, NSTextField *message) {
   NSArray *views = [[panel contentView] subviews];
   NSSize text = [[message cell] cellSizeForBounds:NSMakeRect(0, 0, kWidestMessage, 10000)];
@@ -45,7 +45,8 @@ void layOut(NSPanel *panel, NSTextField *message) {
   const NSSize size = {left + text.width + kMargin,
                        kMargin + kButtonHeight - 12 + kGap + body + kMargin};
   const NSSize frame = [NSWindow frameRectForContentRect:NSMakeRect(0, 0, size.width, size.height)
-                                              styleMask:[panel styleMask]].size;
+                                               styleMask:[panel styleMask]]
+                           .size;
   [panel setMinSize:frame];
   [panel setMaxSize:frame];
   [panel setContentSize:size];
@@ -55,7 +56,8 @@ void layOut(NSPanel *panel, NSTextField *message) {
     if (isIcon) {
       [view setFrame:NSMakeRect(kMargin, size.height - kMargin - kIcon, kIcon, kIcon)];
     } else if (view == message) {
-      [view setFrame:NSMakeRect(left, size.height - kMargin - text.height, text.width, text.height)];
+      [view
+          setFrame:NSMakeRect(left, size.height - kMargin - text.height, text.width, text.height)];
     } else if (![view isKindOfClass:[NSButton class]]) {
       [view setHidden:YES];  // the empty heading and the line below it
     }
@@ -66,7 +68,8 @@ void layOut(NSPanel *panel, NSTextField *message) {
 /// The field that shows that text.
 NSTextField *fieldWith(NSView *view, NSString *text) {
   for (NSTextField *field in [view subviews]) {
-    if ([field isKindOfClass:[NSTextField class]] && [[field stringValue] isEqual:text]) return field;
+    if ([field isKindOfClass:[NSTextField class]] && [[field stringValue] isEqual:text])
+      return field;
   }
   return nil;
 }
@@ -95,10 +98,7 @@ NSTextField *fieldWith(NSView *view, NSString *text) {
   if ([_buttons count] == 0) [self addButtonWithTitle:@"OK"];
   GSAlertPanel *panel = [self window];
   // The heading shows one line only, so the message is the body, which wraps.
-  [panel setTitleBar:[panel title]
-                icon:_icon
-               title:@" "
-             message:text];
+  [panel setTitleBar:[panel title] icon:_icon title:@" " message:text];
   [panel setButtons:_buttons];
   NSTextField *message = fieldWith([panel contentView], text);
   if (message != nil) layOut(panel, message);

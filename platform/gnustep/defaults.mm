@@ -1,6 +1,6 @@
-// User defaults that give gui 0.29 what macOS has: no icon window for each program, a system font of
-// 13 points, and the look of its controls, which GNUstep calls a theme. They have to be registered
-// before the application object exists.
+// User defaults that give gui 0.29 what macOS has: no icon window for each program, a system font
+// of 13 points, and the look of its controls, which GNUstep calls a theme. They have to be
+// registered before the application object exists.
 
 #import <Foundation/Foundation.h>
 
@@ -20,8 +20,8 @@
     for (NSString *font : fonts) {
       [defaults setObject:@"Inter-Regular" forKey:font];
     }
-    NSString *theme = [[[NSBundle mainBundle] resourcePath]
-        stringByAppendingPathComponent:@"Mac.theme"];
+    NSString *theme =
+        [[[NSBundle mainBundle] resourcePath] stringByAppendingPathComponent:@"Mac.theme"];
     if ([[NSFileManager defaultManager] fileExistsAtPath:theme]) {
       [defaults setObject:theme forKey:@"GSTheme"];
     }

@@ -1,7 +1,8 @@
-// Flaws of gui 0.29's pop-up buttons. A click opens the menu and closes it at once; on macOS the menu
-// stays open. Keys that are pressed while a menu is open also reach the window: Return its default
-// button, Escape its cancel button. A menu that is opened for the first time has no check mark. A
-// closed pop-up shows the check mark on its left edge; where no item has one, the title is there.
+// Flaws of gui 0.29's pop-up buttons. A click opens the menu and closes it at once; on macOS the
+// menu stays open. Keys that are pressed while a menu is open also reach the window: Return its
+// default button, Escape its cancel button. A menu that is opened for the first time has no check
+// mark. A closed pop-up shows the check mark on its left edge; where no item has one, the title is
+// there.
 //
 // While a menu is open, the loop below takes all events, as menus do on macOS.
 

@@ -1,5 +1,5 @@
-// +[NSLocale preferredLanguages] of base 1.28 returns English whenever the locale that LANG names has
-// not been generated on the machine.
+// +[NSLocale preferredLanguages] of base 1.28 returns English whenever the locale that LANG names
+// has not been generated on the machine.
 
 #import <Foundation/Foundation.h>
 
@@ -9,8 +9,8 @@
 
 namespace {
 
-/// The user's own order of languages, the default NSLanguages. GNUstep keeps a list of its own making
-/// under the same name in its primary domain.
+/// The user's own order of languages, the default NSLanguages. GNUstep keeps a list of its own
+/// making under the same name in its primary domain.
 NSArray *chosenLanguages() {
   NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
   for (NSString *domain in [defaults searchList]) {

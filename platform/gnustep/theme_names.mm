@@ -1,5 +1,5 @@
-// A theme of gui 0.29 finds the picture of a button by the name of its bezel style. That name is the
-// same for push buttons, default buttons and pop-up buttons, which look different on macOS.
+// A theme of gui 0.29 finds the picture of a button by the name of its bezel style. That name is
+// the same for push buttons, default buttons and pop-up buttons, which look different on macOS.
 
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>

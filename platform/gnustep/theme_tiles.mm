@@ -1,5 +1,6 @@
-// gui 0.29 cuts the pictures of a theme into nine tiles by drawing each tile into a window of its own,
-// which takes some hundred round trips to the X server for each picture. This copies the pixels.
+// gui 0.29 cuts the pictures of a theme into nine tiles by drawing each tile into a window of its
+// own, which takes some hundred round trips to the X server for each picture. This copies the
+// pixels.
 
 #import <AppKit/AppKit.h>
 #import <objc/runtime.h>

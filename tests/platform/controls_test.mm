@@ -92,14 +92,15 @@ TEST(TextField, KeepsItsTextInPlaceWhileItIsBeingEdited) {
   [field setStringValue:@"6000"];
   NSWindow *window = windowWith(field);
   std::set<NSInteger> tops;
-  for (NSResponder *responder : {static_cast<NSResponder *>(field), static_cast<NSResponder *>(nil)}) {
+  for (NSResponder *responder :
+       {static_cast<NSResponder *>(field), static_cast<NSResponder *>(nil)}) {
     [window makeFirstResponder:responder];
     // Without the selection's colour.
     [[field currentEditor] setSelectedRange:NSMakeRange(4, 0)];
     [window display];
     [[window contentView] lockFocus];
-    NSBitmapImageRep *picture = [[[NSBitmapImageRep alloc]
-        initWithFocusedViewRect:NSMakeRect(13, 13, 30, 16)] autorelease];
+    NSBitmapImageRep *picture =
+        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:NSMakeRect(13, 13, 30, 16)] autorelease];
     [[window contentView] unlockFocus];
     tops.insert(firstDarkRow(picture));
   }

@@ -63,14 +63,13 @@ constexpr const char *kWhite = "255 255 255";
 constexpr const char *kRing = "123 179 246";
 
 TEST_F(Theme, IsTheBundlesOwnAndSoIsItsFont) {
-  EXPECT_STREQ([[[[[GSTheme theme] bundle] bundlePath] lastPathComponent] UTF8String],
-               "Mac.theme");
+  EXPECT_STREQ([[[[[GSTheme theme] bundle] bundlePath] lastPathComponent] UTF8String], "Mac.theme");
   EXPECT_STREQ([[[NSFont systemFontOfSize:13] fontName] UTF8String], "Inter-Regular");
   EXPECT_STREQ([[[NSFont boldSystemFontOfSize:13] fontName] UTF8String], "Inter-Bold");
 }
 
-// GNUstep adds a colour that the list lacks. It raises an exception when it cannot write the file, so
-// programs that are installed for every user would lack the rest.
+// GNUstep adds a colour that the list lacks. It raises an exception when it cannot write the file,
+// so programs that are installed for every user would lack the rest.
 TEST_F(Theme, NamesEveryColourThatGNUstepHas) {
   NSString *file = [[[GSTheme theme] bundle] pathForResource:@"ThemeColors" ofType:@"clr"];
   NSString *list = [NSString stringWithContentsOfFile:file
@@ -81,8 +80,8 @@ TEST_F(Theme, NamesEveryColourThatGNUstepHas) {
 }
 
 TEST_F(Theme, HasAPictureForEachStateOfEachKindOfButton) {
-  NSCell *cells[] = {[addButton(@"") cell], [addButton(@"\r") cell],
-                     [add<NSPopUpButton>(NSZeroRect) cell]};
+  NSCell *cells[] = {
+      [addButton(@"") cell], [addButton(@"\r") cell], [add<NSPopUpButton>(NSZeroRect) cell]};
   for (NSCell *cell : cells) {
     NSString *name = [[GSTheme theme] nameForElement:cell] ?: @"NSRoundedBezelStyle";
     for (int state = GSThemeNormalState; state <= GSThemeSelectedState; ++state) {

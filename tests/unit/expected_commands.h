@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// The exact command lines for administrator "bob" with password "s3cret", console user "alice" with
-/// id 501, and the Zentavo edition.
+/// The exact command lines for administrator "bob" with password "s3cret", console user "alice"
+/// with id 501, and the Zentavo edition.
 namespace expected {
 
 #define AS_ROOT "/bin/echo \"s3cret\" | /usr/bin/sudo -u \"bob\" -S /usr/bin/sudo -S "
@@ -32,8 +32,8 @@ inline const std::string kDeleteProtocolSettings =
     AS_ROOT "/bin/rm  " SYSTEM_AGENT "settings/tkprotocolserver.settings.xml";
 inline const std::string kDeleteCloudSettings =
     AS_ROOT "/bin/rm  " SYSTEM_AGENT "settings/safeguarding_cloud.xml";
-inline const std::string kGenerate = "echo -n > " SYSTEM_AGENT
-                                     "settings/daemon.settings.xml; " SYSTEM_AGENT
-                                     "SystemAgentDaemon daemon exit";
+inline const std::string kGenerate =
+    "echo -n > " SYSTEM_AGENT "settings/daemon.settings.xml; " SYSTEM_AGENT
+    "SystemAgentDaemon daemon exit";
 
 }  // namespace expected

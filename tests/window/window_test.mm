@@ -100,7 +100,8 @@ ServerWindowController *WindowTest::openSettings() {
 }
 
 MissingResource::MissingResource(const std::string &name) : path_(resourcePath(name)) {
-  // A test that ends the process runs once more in a copy of it, for which the file is gone already.
+  // A test that ends the process runs once more in a copy of it, for which the file is gone
+  // already.
   std::error_code ignored;
   std::filesystem::rename(path_, path_ + ".removed", ignored);
 }

@@ -1,6 +1,6 @@
 // What @available calls in the compiler's runtime where the answer is not known when compiling. The
-// cross-build links without Zig's runtime, so the function is here. Linked only where a guard asks for
-// something newer than the minimum system.
+// cross-build links without Zig's runtime, so the function is here. Linked only where a guard asks
+// for something newer than the minimum system.
 
 #include <cstdint>
 
