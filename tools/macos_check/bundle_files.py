@@ -74,8 +74,7 @@ class BundleFiles:
 def program_languages(root: Path) -> list[str]:
     """The codes of the program's table of languages."""
     table = (root / "i18n/language.cpp").read_text(encoding="utf-8")
-    found = re.search(r"kCodes\{([^}]*)\}", table)
-    return sorted(re.findall(r'"(\w+)"', found.group(1))) if found else []
+    return sorted(re.findall(r'\{Language::\w+, "(\w+)"\}', table))
 
 
 def icon_types(path: Path) -> set[str]:
