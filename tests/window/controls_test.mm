@@ -1,3 +1,5 @@
+#import <objc/runtime.h>
+
 #include <map>
 #include <vector>
 

@@ -121,15 +121,15 @@ TEST_F(EditingKeys, CopyCutAndPasteWithinTheProgram) {
 
 TEST_F(EditingKeys, NeverCopyOrCutAPassword) {
   NSPasteboard *pasteboard = [NSPasteboard generalPasteboard];
-  [pasteboard declareTypes:@[ NSStringPboardType ] owner:nil];
-  [pasteboard setString:@"before" forType:NSStringPboardType];
+  [pasteboard declareTypes:@[ NSPasteboardTypeString ] owner:nil];
+  [pasteboard setString:@"before" forType:NSPasteboardTypeString];
   type(delegate_, "password", "secret");
   NSWindow *login = outlet<NSWindow>(delegate_, "window");
   [login makeKeyAndOrderFront:nil];
   [login makeFirstResponder:outlet<NSTextField>(delegate_, "password")];
   for (const char *key : {"a", "c", "x"}) {
     EXPECT_TRUE(press(login, key, NSEventModifierFlagCommand));
-    EXPECT_EQ(app::utf8([pasteboard stringForType:NSStringPboardType]), "before") << key;
+    EXPECT_EQ(app::utf8([pasteboard stringForType:NSPasteboardTypeString]), "before") << key;
   }
   [login makeFirstResponder:nil];
   EXPECT_EQ(fieldText(delegate_, "password"), "secret");

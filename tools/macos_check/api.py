@@ -69,6 +69,8 @@ class Row:
         """The names that a row brings into the header when it is neither method nor symbol."""
         if self.kind == "typedef":
             return re.findall(r"\w+(?= =)", self.declaration) + re.findall(r"(\w+);$", self.declaration)
+        if self.declaration.startswith("static inline "):
+            return re.findall(r"\w+(?=\()", self.declaration)[:1]
         return re.findall(r"\w+(?= =)", self.declaration) or [self.name]
 
     @property

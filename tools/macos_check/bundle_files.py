@@ -11,6 +11,7 @@ from xml.parsers.expat import ExpatError
 
 ICON_TYPES = {"is32", "s8mk", "il32", "l8mk", "ic07", "ic08", "ic09", "ic10", "ic11", "ic12", "ic13",
               "ic14"}
+TOOL = "configure-agent"
 # What the property list must say; {title} is the name of the bundle.
 PROPERTIES = {
     "CFBundleDevelopmentRegion": "en",
@@ -132,15 +133,14 @@ def icon_is_complete(bundle: BundleFiles) -> Iterator[str]:
 
 
 def files_are_those_expected(bundle: BundleFiles) -> Iterator[str]:
-    sources = bundle.source / "resources"
-    resources = [f.name for f in sources.glob("*") if f.suffix in (".xib", ".json")]
-    expected = {"Info.plist", f"MacOS/{bundle.title}", "Resources/AppIcon.icns",
+    resources = [f.name for pattern in ("resources/*.xib", "resources/*.json", "cli/*.1")
+                 for f in bundle.source.glob(pattern)]
+    expected = {"Info.plist", f"MacOS/{bundle.title}", f"MacOS/{TOOL}", "Resources/AppIcon.icns",
                 *(f"Resources/{name}" for name in resources),
                 *(f"Resources/{language}.lproj/InfoPlist.strings" for language in bundle.languages())}
-    optional = {"MacOS/configure-agent"}
     for name in sorted(expected - set(bundle.files())):
         yield f"lacks {name}"
-    for name in sorted(set(bundle.files()) - expected - optional):
+    for name in sorted(set(bundle.files()) - expected):
         yield f"holds {name}, which does not belong there"
 
 

@@ -79,13 +79,10 @@ class Checks:
                 yield f"{bundle.title} ({part.architecture}): loads {dylib}"
 
     def check_tools(self) -> Iterator[str]:
-        """every bundle of the program has the tool, which loads no windows"""
+        """the tool of every bundle loads no windows"""
         for bundle in self.bundles:
-            tools = [s for s in bundle.slices if s.name != bundle.title]
-            if self.build.source == ROOT and {s.name for s in tools} != {"configure-agent"}:
-                yield f"{bundle.title}: its tools are {sorted({s.name for s in tools})}"
-            for part in tools:
-                if any("AppKit" in dylib for dylib in part.libraries):
+            for part in bundle.slices:
+                if part.name != bundle.title and any("AppKit" in d for d in part.libraries):
                     yield f"{bundle.title}: {part.name} ({part.architecture}) loads AppKit"
 
     def check_minimum_system(self) -> Iterator[str]:
@@ -138,12 +135,13 @@ class Checks:
                     yield f"{path.relative_to(bundle.path.parent)}: holds {name.decode()}"
 
     def check_editions(self) -> Iterator[str]:
-        """every edition has its own bundle, and its own oem inside"""
+        """every edition has its own bundle, whose executables are built for it"""
         text = (ROOT / "app/edition.h").read_text(encoding="utf-8")
         oems = dict(zip(re.findall(r'\.appName = "([^"]*)"', text), re.findall(r'\.oem = "([^"]*)"', text)))
         for bundle, part in self.slices:
-            if part.edition() != oems.get(bundle.title):
-                yield f"{bundle.title} ({part.architecture}): oem is {part.edition()}"
+            built_for = self.build.oems(part.architecture, f"{bundle.title}.app", part.name)
+            if built_for != [oems.get(bundle.title)]:
+                yield f"{bundle.title}: {part.name} ({part.architecture}) is built for {built_for}"
         if self.build.source == ROOT:
             yield from (f"{title}: no bundle" for title in
                         sorted(set(oems) - {b.title for b in self.bundles}))
@@ -176,12 +174,11 @@ class Checks:
 
 
 def print_sizes(bundles: list[Bundle]) -> None:
-    print(f"{'universal bundle':<36}{'oem':<10}{'arm64':>9}{'x86_64':>9}{'file':>9}  minimum systems")
+    print(f"{'universal bundle':<36}{'arm64':>9}{'x86_64':>9}{'file':>9}  minimum systems")
     for bundle in bundles:
         sizes = "".join(f"{len(s.data):>9}" for s in bundle.slices[:2])
         minimums = ", ".join(f"{s.architecture} {s.minimum_system}" for s in bundle.slices[:2])
-        print(f"{bundle.title + '.app':<36}{bundle.slices[0].edition() or '?':<10}{sizes}"
-              f"{bundle.program.stat().st_size:>9}  {minimums}")
+        print(f"{bundle.title + '.app':<36}{sizes}{bundle.program.stat().st_size:>9}  {minimums}")
 
 
 def print_comparison(rows: Sequence[api.Row]) -> None:

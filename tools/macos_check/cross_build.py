@@ -105,6 +105,12 @@ class CrossBuild:
             macho.tool("lipo", "-create", "-output", universal / inside,
                        *(self.tree(a) / "apps" / bundle.name / inside for a in ARCHITECTURES))
 
+    def oems(self, architecture: str, bundle: str, executable: str) -> list[str]:
+        """The editions for which the objects of an executable are compiled."""
+        commands = run("ninja", "-C", self.tree(architecture), "-t", "commands",
+                       f"apps/{bundle}/Contents/MacOS/{executable}")
+        return sorted(set(re.findall(r'-DBUILD_OEM=\W*(\w+)', commands)))
+
     def sources(self) -> str:
         """The text of every file in a folder of the program's compiled sources."""
         commands = json.loads((self.tree("arm64") / "compile_commands.json").read_text())

@@ -129,17 +129,3 @@ class Slice:
                     assert start is not None, "a selector reference leads out of the file"
                     names.add(self.data[start:self.data.index(b"\0", start)].decode())
         return names
-
-    def edition(self) -> str | None:
-        """The oem value that app::buildEdition() gives: the row of the edition table to which its few
-        instructions add up. None when they have another form than the two compilers' known one."""
-        address = re.search(r"^(\w+) \S (?:\S+ )?__ZN3app9kEditionsE$",
-                            tool("nm", self.path), re.MULTILINE)
-        code = tool("objdump", "-d", "--no-show-raw-insn",
-                    "--disassemble-symbols=__ZN3app12buildEditionEv", self.path)
-        steps = re.findall(r"movl\s+\$(\d+), %eax|add\s+x0, x8, #(\d+)", code)
-        if not address or len(steps) > 1 or "ret" not in code:
-            return None
-        row = int(address.group(1), 16) + int(steps[0][0] or steps[0][1] if steps else 0)
-        start, length = self.offset(self.pointer(row)), self.pointer(row + 8)
-        return self.data[start:start + length].decode() if start else None
