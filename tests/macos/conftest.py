@@ -25,6 +25,7 @@ class Sample:
     def __init__(self, folder: Path) -> None:
         self.source, self.build = folder / "source", folder / "build"
         self.changed: dict[Path, str] = {}
+        self.first_findings: list[str] = []
         shutil.rmtree(self.source, ignore_errors=True)
         shutil.copytree(SAMPLE, self.source)
         template = (self.source / "CMakeLists.txt.in").read_text(encoding="utf-8")
@@ -38,11 +39,6 @@ class Sample:
         assert text.count(old) == 1, f"{old} occurs {text.count(old)} times in {name}"
         self.changed.setdefault(file, text)
         file.write_text(text.replace(old, new), encoding="utf-8")
-
-    def add_rows(self, *rows: tuple[str, ...]) -> None:
-        """Adds rows to the list of API until the end of the test."""
-        last = "AppKit\t10.0\t-\textern int NSApplicationMain(int argc, const char *argv[]);\n"
-        self.replace("api.tsv", last, last + "".join("\t".join(row) + "\n" for row in rows))
 
     def restore(self) -> None:
         for file, text in self.changed.items():
@@ -137,7 +133,9 @@ class Mac:
 
 @pytest.fixture(scope="session")
 def built_once() -> Sample:
-    return Sample(ROOT / "build/macos/self-test")
+    sample = Sample(ROOT / "build/macos/self-test/plain")
+    sample.first_findings = sample.findings()
+    return sample
 
 
 @pytest.fixture
@@ -149,6 +147,4 @@ def sample(built_once: Sample) -> Iterator[Sample]:
 @pytest.fixture(scope="session")
 def built_mac(built_once: Sample, tmp_path_factory: pytest.TempPathFactory) -> Mac:
     """One build for all tests."""
-    if not (built_once.build / "apps").exists():
-        assert built_once.findings() == []  # makes the headers and stubs
     return Mac(built_once, tmp_path_factory.mktemp("mac"))

@@ -17,14 +17,17 @@ def mac(built_mac: Mac) -> Mac:
 def test_the_whole_bundle_is_sealed_when_it_is_complete(mac: Mac) -> None:
     sealed = (mac.bundle / "Contents/_CodeSignature/CodeResources").read_text().splitlines()
     assert sealed == sorted([
-        "Info.plist", f"MacOS/{TITLE}", "Resources/AppIcon.icns", "Resources/MainMenu.nib",
+        "Info.plist", f"MacOS/{TITLE}", "MacOS/configure-agent", "Resources/AppIcon.icns",
+        "Resources/MainMenu.nib", "Resources/configure-agent.1",
         *(f"Resources/{language}.lproj/InfoPlist.strings" for language in LANGUAGES)])
 
 
-def test_an_identity_brings_the_hardened_runtime_and_a_timestamp(mac: Mac) -> None:
+def test_an_identity_brings_the_hardened_runtime_and_a_timestamp_to_the_tool_and_then_the_whole(
+        mac: Mac) -> None:
     assert mac.first_calls_of("codesign") == [
         ["codesign", "--force", "--sign", "Developer ID Application: Sample", "--options", "runtime",
-         "--timestamp", str(mac.bundle)]]
+         "--timestamp", str(sealed)]
+        for sealed in (mac.bundle / "Contents/MacOS/configure-agent", mac.bundle)]
 
 
 def test_interface_files_are_compiled_for_the_minimum_system(mac: Mac) -> None:

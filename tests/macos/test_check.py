@@ -1,139 +1,167 @@
-"""Each check of the cross-build fails when it should, and only then."""
+"""Each check of the cross-build fails when it should, and only then.
+
+One sample is broken in every way that the compiler refuses, another in every way that shows only in what
+is linked; each is built once."""
+
+from collections.abc import Sequence
+from dataclasses import dataclass, field
 
 import api
-from conftest import Sample
+import pytest
+from conftest import ROOT, Sample
 
-CODE = "app/Sample.mm"
+CODE, BUILD = "app/Sample.mm", "CMakeLists.txt"
 PRESSED = '  [field setStringValue:@"pressed"];\n'
-NEW_METHOD = ("AppKit", "13.0", "-", "@interface NSTextField (New)"), \
-             ("AppKit", "13.0", "-", "- (void)setNewStyle:(BOOL)style;")
+PRESS = "- (IBAction)press:(id)sender {\n"
+CLASS = "@implementation Sample\n"
+LAST_ROW = "AppKit\t10.0\t-\textern int NSApplicationMain(int argc, const char *argv[]);\n"
+NEW_CATEGORY = ("AppKit", "13.0", "-", "@interface NSTextField (New)")
+SET_NEW_STYLE = ("AppKit", "13.0", "-", "- (void)setNewStyle:(BOOL)style;")
+OTHER_LIBRARY = f"""--- !tapi-tbd
+tbd-version: 4
+targets: {api.TARGETS}
+install-name: '/usr/local/lib/libother.dylib'
+exports:
+  - targets: {api.TARGETS}
+    symbols: [ '_other' ]
+...
+"""
+OEM = 'PRIVATE "BUILD_OEM=\\"Zentavo\\"")'
+
+
+@dataclass(frozen=True)
+class Break:
+    """A change of the sample, and part of each finding that it must lead to, as often as given."""
+
+    name: str
+    finds: dict[str, int]
+    statement: str = ""  # of the method that a press of the button calls
+    declaration: str = ""
+    rows: Sequence[tuple[str, ...]] = ()
+    edits: Sequence[tuple[str, str, str]] = field(default=())  # file, old text, new text
+
+
+REFUSED = [
+    Break("a method that only the development system has",
+          {"instance method '-stringByTrimmingSpaces' not found": 1},
+          '[field setStringValue:[@" x" stringByTrimmingSpaces]];'),
+    Break("a method newer than the minimum system",
+          {"'setNewStyle:' is only available on macOS 13.0 or newer": 1},
+          "[field setNewStyle:YES];", rows=[NEW_CATEGORY, SET_NEW_STYLE]),
+    Break("a constant newer than the minimum system",
+          {"'NSNewName' is only available on macOS 12.0 or newer": 1},
+          "[field setStringValue:NSNewName];",
+          rows=[("AppKit", "12.0", "-", "extern NSString *const NSNewName;")]),
+    Break("a deprecated method", {"'setOldStyle:' is deprecated": 1}, "[field setOldStyle:YES];",
+          rows=[("AppKit", "10.0", "-", "@interface NSTextField (Old)"),
+                ("AppKit", "10.0", "10.8", "- (void)setOldStyle:(BOOL)style;")]),
+    Break("a null argument where the row does not take one",
+          {"null passed to a callee that requires a non-null argument": 1},
+          "[field setStringValue:nil];"),
+    Break("a method of another class", {"'NSApplication' may not respond to 'setStringValue:'": 1},
+          '[[NSApplication sharedApplication] setStringValue:@""];'),
+]
+
+LINKED = [
+    Break("a method that the compiler is talked into", {"trimSpaces is sent, but not listed": 1},
+          "[(id<Trimming>)field trimSpaces];", "@protocol Trimming\n- (void)trimSpaces;\n@end"),
+    Break("a guarded method newer than the minimum system is taken", {},
+          "if (@available(macOS 13.0, *)) [field setNewStyle:YES];",
+          rows=[("libSystem", "10.15", "-", "_availability_version_check"), NEW_CATEGORY, SET_NEW_STYLE]),
+    Break("a function newer than the minimum system", {"_getpid came with macOS 12.0": 2},
+          'if (getpid() == 0) [field setStringValue:@""];', "#include <unistd.h>",
+          rows=[("libSystem", "12.0", "-", "getpid")]),
+    Break("a function that is not listed", {"_getuid is not listed": 2},
+          'if (getuid() == 0) [field setStringValue:@""];'),
+    Break("a function that libSystem lacks",
+          {"libSystem has no getnothing": 1, "libSystem: nothing uses getnothing": 1},
+          rows=[("libSystem", "10.0", "-", "getnothing")]),
+    Break("what only the tests may call", {"retainCount is sent, but not listed": 1},
+          "if ([field retainCount] == 0) return;"),
+    Break("a test that does not compile", {"tests/sample_test.mm": 1},
+          edits=[("tests/sample_test.mm", "[sample press:sample]", "[sample pres:sample]")]),
+    Break("another library", {"loads /usr/local/lib/libother.dylib": 2, "_other is not listed": 2},
+          "other();", 'extern "C" void other();',
+          edits=[(BUILD, "add_subdirectory(tests)\n",
+                  "add_subdirectory(tests)\ntarget_link_libraries(sample PRIVATE "
+                  '"${CMAKE_CURRENT_SOURCE_DIR}/libother.tbd")\n')]),
+    Break("a tool with windows", {"configure-agent (arm64): loads AppKit": 1,
+                                  "configure-agent (x86_64): loads AppKit": 1},
+          edits=[(BUILD, "platform_add_tool(",
+                  "target_link_libraries(tool PRIVATE platform_api)\nplatform_add_tool(")]),
+    Break("a minimum system other than the stated one", {"built for 11.0, stated 10.15": 4},
+          edits=[(BUILD, 'bundle.cmake")\n', 'bundle.cmake")\nset(MAC_MINIMUM_SYSTEM 10.15)\n')]),
+    Break("a method that nobody calls", {"Sample has pressTwice, which nobody calls": 1},
+          edits=[(CODE, PRESS, "- (void)pressTwice {\n}\n\n" + PRESS)]),
+    Break("a name of the development system", {"MacOS/Zentavo Configuration Utility: holds GNUstep": 1},
+          '[field setStringValue:@"in GNUstep"];'),
+    Break("another edition in the program", {"is built for ['Fennrow']": 2},
+          edits=[(BUILD, f"(sample_objects {OEM}", f"(sample_objects {OEM}".replace("Zentavo", "Fennrow"))]),
+    Break("another edition in the tool", {"is built for ['Tollwick']": 2},
+          edits=[(BUILD, f"(tool_objects {OEM}", f"(tool_objects {OEM}".replace("Zentavo", "Tollwick"))]),
+    Break("rows that nothing uses", {"nothing uses extern void NSBeep(void);": 1,
+                                     "nothing uses static inline int NSTwice(int n)": 1,
+                                     "nothing uses static const int NSOne": 1},
+          rows=[("AppKit", "10.0", "-", "extern void NSBeep(void);"),
+                ("AppKit", "-", "-", "static inline int NSTwice(int n) { return 2 * n; }"),
+                ("AppKit", "-", "-", "static const int NSOne = 1;")]),
+    Break("a used function of a header alone is taken", {}, "if (NSHalf(argument) == 1) return;",
+          "static const int argument = 4;",
+          rows=[("AppKit", "-", "-", "static inline int NSHalf(int n) { return n / 2; }")]),
+    Break("a finding in an interface file", {"outlet second of Sample is connected 0 times": 1},
+          edits=[("app/Sample.h", "*field;", "*field;\n  IBOutlet NSTextField *second;")]),
+    Break("a finding in the files of a bundle", {"lacks Resources/configure-agent.1": 1},
+          edits=[(BUILD, " cli/configure-agent.1", "")]),
+]
+
+
+def found_in(name: str, breaks: Sequence[Break]) -> list[str]:
+    """The findings in a sample with all these changes."""
+    sample = Sample(ROOT / "build/macos/self-test" / name)
+    (sample.source / "libother.tbd").write_text(OTHER_LIBRARY)
+    declarations = "".join(f"{b.declaration}\n\n" for b in breaks if b.declaration)
+    statements = "".join(f"  {b.statement}\n" for b in breaks if b.statement)
+    rows = "".join("\t".join(row) + "\n" for b in breaks for row in b.rows)
+    sample.replace(CODE, CLASS, declarations + CLASS)
+    sample.replace(CODE, PRESSED, PRESSED + statements)
+    sample.replace("api.tsv", LAST_ROW, LAST_ROW + rows)
+    for change in breaks:
+        for edit in change.edits:
+            sample.replace(*edit)
+    return sample.findings()
+
+
+@pytest.fixture(scope="module")
+def refused() -> list[str]:
+    return found_in("refused", REFUSED)
+
+
+@pytest.fixture(scope="module")
+def linked() -> list[str]:
+    return found_in("linked", LINKED)
+
+
+def times(part: str, findings: Sequence[str]) -> int:
+    return sum(part in finding for finding in findings)
+
+
+def unexpected(findings: Sequence[str], breaks: Sequence[Break]) -> list[str]:
+    return [f for f in findings if not any(part in f for b in breaks for part in b.finds)]
 
 
 def test_the_sample_as_it_is_passes(sample: Sample) -> None:
-    assert sample.findings() == []
+    assert sample.first_findings == []
 
 
-def test_a_method_that_only_the_development_system_has_is_refused(sample: Sample) -> None:
-    sample.replace(CODE, PRESSED, '  [field setStringValue:[@" x" stringByTrimmingSpaces]];\n')
-    assert any("stringByTrimmingSpaces" in f for f in sample.findings())
+@pytest.mark.parametrize("change", REFUSED, ids=[b.name for b in REFUSED])
+def test_the_compiler_refuses(refused: list[str], change: Break) -> None:
+    assert {part: times(part, refused) for part in change.finds} == change.finds, refused
 
 
-def test_a_method_that_the_compiler_is_talked_into_is_found_in_the_linked_file(sample: Sample) -> None:
-    sample.replace(CODE, "@implementation Sample",
-                   "@protocol Trimming\n- (void)trimSpaces;\n@end\n\n@implementation Sample")
-    sample.replace(CODE, PRESSED, "  [(id<Trimming>)field trimSpaces];\n" + PRESSED)
-    assert sample.findings() == ["trimSpaces is sent, but not listed"]
+@pytest.mark.parametrize("change", LINKED, ids=[b.name for b in LINKED])
+def test_the_checks_find(linked: list[str], change: Break) -> None:
+    assert {part: times(part, linked) for part in change.finds} == change.finds, linked
 
 
-def test_a_method_newer_than_the_minimum_system_is_refused_without_a_guard(sample: Sample) -> None:
-    sample.add_rows(*NEW_METHOD)
-    sample.replace(CODE, PRESSED, "  [field setNewStyle:YES];\n" + PRESSED)
-    found = sample.findings()
-    assert found and all("'setNewStyle:' is only available on macOS 13.0 or newer" in f for f in found)
-
-
-def test_a_method_newer_than_the_minimum_system_is_taken_with_a_guard(sample: Sample) -> None:
-    sample.add_rows(*NEW_METHOD, ("libSystem", "10.15", "-", "_availability_version_check"))
-    sample.replace(CODE, PRESSED, "  if (@available(macOS 13.0, *)) [field setNewStyle:YES];\n" + PRESSED)
-    assert sample.findings() == []
-
-
-def test_a_constant_newer_than_the_minimum_system_is_refused_without_a_guard(sample: Sample) -> None:
-    sample.add_rows(("AppKit", "12.0", "-", "extern NSString *const NSNewName;"))
-    sample.replace(CODE, '@"pressed"', "NSNewName")
-    assert any("'NSNewName' is only available on macOS 12.0 or newer" in f for f in sample.findings())
-
-
-def test_a_function_newer_than_the_minimum_system_is_found_in_the_linked_file(sample: Sample) -> None:
-    sample.add_rows(("libSystem", "12.0", "-", "getpid"))
-    sample.replace(CODE, '#include "app', '#include <unistd.h>\n\n#include "app')
-    sample.replace(CODE, PRESSED, PRESSED + "  if (getpid() == 0) [field setStringValue:@\"\"];\n")
-    found = sample.findings()
-    assert len(found) == 2 and all(f.endswith("_getpid came with macOS 12.0") for f in found)
-
-
-def test_a_function_that_is_not_listed_is_found_in_the_linked_file(sample: Sample) -> None:
-    sample.replace(CODE, '#include "app', '#include <unistd.h>\n\n#include "app')
-    sample.replace(CODE, PRESSED, PRESSED + "  if (getuid() == 0) [field setStringValue:@\"\"];\n")
-    found = sample.findings()
-    assert len(found) == 2 and all(f.endswith("_getuid is not listed") for f in found)
-
-
-def test_a_deprecated_method_is_refused(sample: Sample) -> None:
-    sample.replace("api.tsv", "AppKit\t10.0\t-\t- (void)setStringValue",
-                   "AppKit\t10.0\t10.8\t- (void)setStringValue")
-    assert any("'setStringValue:' is deprecated" in f for f in sample.findings())
-
-
-def test_a_null_argument_is_refused_where_the_row_does_not_take_one(sample: Sample) -> None:
-    sample.replace(CODE, '@"pressed"', "nil")
-    assert any("null passed to a callee that requires a non-null argument" in f
-               for f in sample.findings())
-
-
-def test_a_method_of_another_class_is_refused(sample: Sample) -> None:
-    sample.replace(CODE, PRESSED, "  [[NSApplication sharedApplication] setStringValue:@\"\"];\n")
-    assert any("'NSApplication' may not respond to" in f or "not found" in f for f in sample.findings())
-
-
-def test_a_test_that_does_not_compile_for_macos_is_found(sample: Sample) -> None:
-    sample.replace("tests/sample_test.mm", "[sample press:sample]", "[sample pres:sample]")
-    found = sample.findings()
-    assert found and all("tests/sample_test.mm" in f for f in found)
-
-
-def test_an_interface_that_only_tests_use_is_unknown_to_the_program(sample: Sample) -> None:
-    sample.replace(CODE, PRESSED, PRESSED + "  if ([field retainCount] == 0) return;\n")
-    assert sample.findings() == ["retainCount is sent, but not listed"]
-
-
-def test_a_other_library_is_refused(sample: Sample) -> None:
-    stub = sample.source / "libother.tbd"
-    stub.write_text("--- !tapi-tbd\ntbd-version: 4\n"
-                    f"targets: {api.TARGETS}\ninstall-name: '/usr/local/lib/libother.dylib'\n"
-                    f"exports:\n  - targets: {api.TARGETS}\n    symbols: [ '_other' ]\n...\n")
-    sample.replace("CMakeLists.txt", "target_compile_options(",
-                   'target_link_libraries(sample PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/libother.tbd")\n'
-                   "target_compile_options(")
-    sample.replace(CODE, "@implementation Sample", 'extern "C" void other();\n\n@implementation Sample')
-    sample.replace(CODE, PRESSED, PRESSED + "  other();\n")
-    found = sample.findings()
-    assert sum(f.endswith("loads /usr/local/lib/libother.dylib") for f in found) == 2
-    assert sum(f.endswith("_other is not listed") for f in found) == 2
-
-
-def test_a_minimum_system_other_than_the_stated_one_is_found(sample: Sample) -> None:
-    sample.findings()
-    plist = next((sample.build / "arm64/apps").glob("*.app")) / "Contents/Info.plist"
-    sample.replace(plist, "<string>11.0</string>", "<string>10.15</string>")
-    assert [f.partition(": ")[2] for f in sample.findings()] == ["built for 11.0, stated 10.15"] * 2
-
-
-def test_a_method_that_nobody_calls_is_found(sample: Sample) -> None:
-    sample.replace(CODE, "- (void)applicationDidFinishLaunching:", "- (void)applicationDidFinishLaunchin:")
-    assert "Sample has applicationDidFinishLaunchin:, which nobody calls" in sample.findings()
-
-
-def test_a_name_of_the_development_system_is_found(sample: Sample) -> None:
-    sample.replace(CODE, '@"pressed"', '@"pressed in GNUstep"')
-    assert sample.findings() == [
-        "Zentavo Configuration Utility.app/Contents/MacOS/Zentavo Configuration Utility: holds GNUstep"]
-
-
-def test_another_edition_in_the_bundle_is_found(sample: Sample) -> None:
-    sample.replace("CMakeLists.txt", 'BUILD_OEM=\\"Zentavo\\"', 'BUILD_OEM=\\"Fennrow\\"')
-    found = sample.findings()
-    assert len(found) == 2 and all(f.endswith("oem is Fennrow") for f in found)
-
-
-def test_a_row_that_nothing_uses_is_found(sample: Sample) -> None:
-    sample.add_rows(("AppKit", "10.0", "-", "extern void NSBeep(void);"))
-    assert sample.findings() == ["AppKit: nothing uses extern void NSBeep(void);"]
-
-
-def test_a_finding_in_an_interface_file_fails_the_whole(sample: Sample) -> None:
-    sample.replace("app/Sample.h", "*field;", "*otherField;")
-    sample.replace(CODE, "[field setHighlighted", "[otherField setHighlighted")
-    sample.replace(CODE, "[field setString", "[otherField setString")
-    assert sample.findings() == ["MainMenu.xib: Sample declares no outlet field",
-                                 "MainMenu.xib: outlet otherField of Sample is connected 0 times"]
+def test_nothing_else_is_found(refused: list[str], linked: list[str]) -> None:
+    assert unexpected(refused, REFUSED) + unexpected(linked, LINKED) == []

@@ -1,5 +1,6 @@
 """What script/package makes, with replacements for Apple's tools that build real archives."""
 
+import shutil
 import subprocess
 import xml.etree.ElementTree as ElementTree
 from collections.abc import Iterator
@@ -21,11 +22,21 @@ def mac(built_mac: Mac) -> Iterator[Mac]:
     built_mac.tools.add_identities()
 
 
-@pytest.fixture
-def packages(mac: Mac) -> Path:
-    done = mac.package()
+@pytest.fixture(scope="module")
+def packing(built_mac: Mac) -> list[list[str]]:
+    """Packs once for all tests that look at what has been packed; how that called Apple's tools."""
+    built_mac.tools.forget_calls()
+    done = built_mac.package()
     assert done.returncode == 0, done.stderr
-    return mac.tree / "packages"
+    return built_mac.tools.calls()
+
+
+@pytest.fixture(scope="module")
+def packages(built_mac: Mac, packing: list[list[str]],
+             tmp_path_factory: pytest.TempPathFactory) -> Path:
+    folder = tmp_path_factory.mktemp("packed") / "packages"
+    shutil.copytree(built_mac.tree / "packages", folder)
+    return folder
 
 
 def opened(archive: Path, folder: Path) -> Path:
@@ -101,7 +112,11 @@ def test_the_disk_image_holds_the_bundle_and_a_link_to_applications(mac: Mac, pa
     assert sorted(f.name for f in volume.iterdir()) == ["Applications", f"{TITLE}.app"]
     assert str((volume / "Applications").readlink()) == "/Applications"
     assert contents(volume / f"{TITLE}.app") == contents(mac.bundle)
-    assert "-volname" in mac.tools.calls("hdiutil")[0]
+
+
+def test_the_disk_image_bears_the_title(packing: list[list[str]]) -> None:
+    (created,) = (c for c in packing if c[:2] == ["hdiutil", "create"])
+    assert created[created.index("-volname") + 1] == TITLE
 
 
 def test_the_bundle_is_sealed_before_it_is_packed(mac: Mac) -> None:
@@ -113,9 +128,8 @@ def test_the_bundle_is_sealed_before_it_is_packed(mac: Mac) -> None:
     assert made[:3] == ["codesign", "pkgbuild", "productbuild"]
 
 
-def test_an_opened_image_is_closed_again(mac: Mac, packages: Path) -> None:
-    calls = [c[1] for c in mac.tools.calls("hdiutil")]
-    assert calls == ["create", "attach", "detach"]
+def test_an_opened_image_is_closed_again(packing: list[list[str]]) -> None:
+    assert [c[1] for c in packing if c[0] == "hdiutil"] == ["create", "attach", "detach"]
 
 
 def test_identities_sign_both_and_notarisation_staples_both(mac: Mac) -> None:

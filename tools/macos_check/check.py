@@ -39,6 +39,12 @@ class Bundle:
         return str(self.info["LSMinimumSystemVersion"])
 
 
+def place(bundle: Bundle, part: macho.Slice) -> str:
+    """How findings name a slice."""
+    tool = "" if part.name == bundle.title else f", {part.name}"
+    return f"{bundle.title}{tool} ({part.architecture})"
+
+
 def plain(symbol: str) -> str:
     """A symbol without the marks that Intel's C library adds for the kind of file numbers."""
     return symbol.split("$")[0] if not symbol.startswith("_OBJC_") else symbol
@@ -76,29 +82,28 @@ class Checks:
         known = set(api.install_names(self.rows).values())
         for bundle, part in self.slices:
             for dylib in sorted(set(part.libraries) - known):
-                yield f"{bundle.title} ({part.architecture}): loads {dylib}"
+                yield f"{place(bundle, part)}: loads {dylib}"
 
     def check_tools(self) -> Iterator[str]:
         """the tool of every bundle loads no windows"""
         for bundle in self.bundles:
             for part in bundle.slices:
                 if part.name != bundle.title and any("AppKit" in d for d in part.libraries):
-                    yield f"{bundle.title}: {part.name} ({part.architecture}) loads AppKit"
+                    yield f"{place(bundle, part)}: loads AppKit"
 
     def check_minimum_system(self) -> Iterator[str]:
         """minimum system as the property list states"""
         for bundle, part in self.slices:
             wanted = bundle.minimum
             if part.minimum_system != wanted:
-                yield (f"{bundle.title} ({part.architecture}): built for {part.minimum_system}, "
-                       f"stated {wanted}")
+                yield f"{place(bundle, part)}: built for {part.minimum_system}, stated {wanted}"
 
     def check_symbols(self) -> Iterator[str]:
         """undefined symbols are listed, and as old as the minimum system or weak"""
         for bundle, part in self.slices:
             for symbol in part.undefined:
                 row = row_for(symbol.name, self.named)
-                where = f"{bundle.title} ({part.architecture}): {symbol.name}"
+                where = f"{place(bundle, part)}: {symbol.name}"
                 if row is None:
                     yield f"{where} is not listed"
                 elif symbol.dylib != row.dylib:
@@ -141,7 +146,7 @@ class Checks:
         for bundle, part in self.slices:
             built_for = self.build.oems(part.architecture, f"{bundle.title}.app", part.name)
             if built_for != [oems.get(bundle.title)]:
-                yield f"{bundle.title}: {part.name} ({part.architecture}) is built for {built_for}"
+                yield f"{place(bundle, part)} is built for {built_for}"
         if self.build.source == ROOT:
             yield from (f"{title}: no bundle" for title in
                         sorted(set(oems) - {b.title for b in self.bundles}))

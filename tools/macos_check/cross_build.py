@@ -107,9 +107,11 @@ class CrossBuild:
 
     def oems(self, architecture: str, bundle: str, executable: str) -> list[str]:
         """The editions for which the objects of an executable are compiled."""
-        commands = run("ninja", "-C", self.tree(architecture), "-t", "commands",
-                       f"apps/{bundle}/Contents/MacOS/{executable}")
-        return sorted(set(re.findall(r'-DBUILD_OEM=\W*(\w+)', commands)))
+        def commands(*files: str) -> str:
+            return run("ninja", "-C", self.tree(architecture), "-t", "commands", "-s", *files)
+
+        objects = re.findall(r"\S+\.o\b", commands(f"apps/{bundle}/Contents/MacOS/{executable}"))
+        return sorted(set(re.findall(r"-DBUILD_OEM=\W*(\w+)", commands(*objects))))
 
     def sources(self) -> str:
         """The text of every file in a folder of the program's compiled sources."""
