@@ -23,12 +23,12 @@ static_assert(app::hasRowForEach(kCodes, &CodeRow::lang));
 }  // namespace
 
 std::string getLanguageType(Language lang) {
-  const auto row = std::ranges::find(kCodes, lang, &CodeRow::lang);
+  const auto *row = std::ranges::find(kCodes, lang, &CodeRow::lang);
   return row != kCodes.end() ? std::string(row->code) : std::string();
 }
 
 std::optional<Language> languageFromCode(std::string_view code) {
-  const auto row = std::ranges::find(kCodes, code, &CodeRow::code);
+  const auto *row = std::ranges::find(kCodes, code, &CodeRow::code);
   return row != kCodes.end() ? std::optional(row->lang) : std::nullopt;
 }
 

@@ -30,7 +30,8 @@ NSPoint pointer(NSEvent *event) {
 
 /// Whether the release ends a click, after which the menu stays open: soon and near the press.
 bool isClick(NSEvent *press, NSEvent *release) {
-  const NSPoint from = pointer(press), to = pointer(release);
+  const NSPoint from = pointer(press);
+  const NSPoint to = pointer(release);
   return [release timestamp] - [press timestamp] < kLongestClick &&
          std::hypot(to.x - from.x, to.y - from.y) <= kLargestClick;
 }
