@@ -68,7 +68,7 @@ def test_the_installer_puts_it_into_applications_and_nowhere_else(packages: Path
     product = opened(packages / name("pkg"), tmp_path / "product")
     info = ElementTree.parse(product / "component.pkg/PackageInfo").getroot()
     assert info.attrib == {"identifier": "org.example.sample", "version": "1.0.0",
-                           "install-location": "/Applications"}
+                           "install-location": "/Applications/Utilities"}
     assert info.findall("relocate/bundle") == []
 
 
