@@ -31,8 +31,9 @@
 /// Ends the program.
 - (IBAction)CancelAction:(id)sender;
 
-/// Sets the current language to the one in server.plist, or English, and translates the login
-/// window into it. Without a catalogue the window stays as it is.
+/// Sets the current language to the stored one, which is the system's, narrowed to English or
+/// French, where server.plist has none; an unknown code gives English. Translates the login window
+/// into it; without a catalogue the window stays as it is.
 - (void)translate;
 
 @end

@@ -14,7 +14,8 @@ namespace app {
 /// Names the rows of the edition table, in its order.
 enum class EditionId { Oskel, Zentavo, Fennrow, Tollwick };
 
-/// The languages that an edition offers, in pop-up order. More than there are do not compile.
+/// The languages that an edition offers, in pop-up order. A list that is longer than the
+/// enumeration does not compile.
 class OfferedLanguages {
  public:
   consteval OfferedLanguages(std::initializer_list<i18n::Language> languages) {
@@ -49,7 +50,7 @@ struct Edition {
 
 /// Every edition; the first row is the default of lookups that need one. A new edition is one
 /// `EditionId` and one row here, and one `changeLanguage` method in the settings window; the
-/// compiler asks for each.
+/// compiler reports whichever is missing.
 inline constexpr auto kEditions = std::to_array<Edition>({
     {.id = EditionId::Oskel,
      .oem = "Quorvix",
@@ -114,7 +115,7 @@ constexpr const Edition &editionWithId(EditionId id) {
   return kEditions[static_cast<std::size_t>(id)];
 }
 
-/// The edition with that `oem` value, else the first row: what everything on disk goes by.
+/// The edition with that `oem` value, else the first row. Decides paths and the profile identifier.
 constexpr const Edition &editionOrDefault(std::string_view oem) {
   const Edition *edition = editionWithOem(oem);
   return edition != nullptr ? *edition : kEditions.front();

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-/// What C++20 does not say about an enumeration. For those whose values count from 0 without a gap.
+/// What C++20 cannot say about an enumeration. For those whose values count from 0 without a gap.
 namespace app {
 namespace detail {
 

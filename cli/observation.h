@@ -5,13 +5,13 @@
 
 namespace cli {
 
-/// The administrator as whom the tool acts: for root the command lines need no password.
+/// The account that the tool acts as: for root the command lines need no password.
 agent::Credentials rootAccount();
 
-/// Who sits at the console.
+/// The user at the console.
 struct Console {
-  agent::ConsoleUser user;  ///< empty when nobody does, or nobody whose id can be found
-  bool isUnknown = false;   ///< somebody does, but the id cannot be found
+  agent::ConsoleUser user;  ///< empty when nobody is there, or nobody whose id can be found
+  bool isUnknown = false;   ///< somebody is there, but the id cannot be found
 };
 
 /// Asks who owns the console. The login window's accounts and root count as nobody.

@@ -25,8 +25,8 @@ void useSystemCommands();
 /// anything that is not safe in such a child. False when the process stays where it was.
 [[nodiscard]] bool enterOwnSession();
 
-/// From now on ignores what management engines, terminals and lost connections send to end a
-/// program. Commands still start with default handling.
+/// Ignores, from now on, the signals that management engines, terminals and lost connections send
+/// to end a program. Commands still start with default handling.
 void ignoreInterruptions();
 
 /// Collects what this process and its commands print, and writes it to standard error in the end. A

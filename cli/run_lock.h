@@ -12,14 +12,15 @@ namespace cli {
 /// jobs are loaded again then.
 inline constexpr const char *kRunFolder = "/var/run/configure-agent";
 
-/// Left in the file while a run changes the system, so that the next one knows of an interruption.
+/// Left in the file while a run changes the system, so that the next one notices an interruption.
 struct UnfinishedMark {
   pid_t processGroup = 0;  ///< of the run and its commands
   bool reset = false;      ///< the run was to reset the agent's settings
 };
 
-/// The mark in that folder; nothing when no run is unfinished, or when the folder is missing or not
-/// the caller's alone. Takes no lock, so a run at work shows as unfinished.
+/// The mark in that folder; nothing when no run is unfinished, or when the folder is missing,
+/// belongs to somebody else, or lets others write. Takes no lock, so a run in progress counts as
+/// unfinished.
 std::optional<UnfinishedMark> readMark(const std::string &folder);
 
 /// Lets one run at a time change the system. Lock and mark are one file: the lock ends with the
@@ -47,8 +48,8 @@ class RunLock {
   std::error_code error_;
 };
 
-/// Waits until no process of that group is left: a command of a run that was killed may still be at
-/// work. Gives up after `seconds`.
+/// Waits until no process of that group is left: a command of a run that was killed may still be
+/// running. Gives up after `seconds`.
 void waitForProcessGroup(pid_t group, double seconds);
 
 }  // namespace cli

@@ -16,7 +16,7 @@ struct WantedSettings {
   bool profile = false;
 };
 
-/// What the machine is like.
+/// The state of the machine.
 struct State {
   settings::StoredValues stored;
   bool daemonLoaded = false;
@@ -26,12 +26,12 @@ struct State {
   std::optional<bool> agentLoaded;
   /// Somebody owns the console who has no user id, so that user's job cannot be reached.
   bool consoleUserUnknown = false;
-  /// An earlier run was interrupted in the middle, or is still at work.
+  /// An earlier run was interrupted in the middle, or is still in progress.
   bool unfinished = false;
 };
 
-/// Everything that is not as asked, a sentence each. Stored values are compared as values: how the
-/// file is written does not matter.
+/// Everything that is not as asked, one sentence each. Stored values are compared as values: how
+/// the file is written does not matter.
 std::vector<std::string> differences(const State &state, const WantedSettings &wanted);
 
 /// What `state` becomes when everything is made as asked.

@@ -30,8 +30,8 @@
   i18n::TestResult testResult;  ///< what `testStatus` shows
 }
 
-/// Fills server and port from server.plist and selects its language as the edition of that title
-/// does. Without a record: the default port and nothing else.
+/// Fills server and port from server.plist and selects its language by the rule of the edition with
+/// that title. Without a record: the default port and nothing else.
 - (void)updateUI:(NSString *)appName;
 
 /// Shows the controls that start hidden.

@@ -27,7 +27,7 @@ struct ApplyRequest {
   /// Looked up by commands when nothing is given.
   std::optional<agent::ConsoleUser> consoleUser;
   /// Nobody is logged in at the console: the per-user job is neither stopped nor started, since
-  /// there is no domain of a user to start it in. `consoleUser` is not looked at.
+  /// there is no domain of a user to start it in. `consoleUser` is ignored.
   bool nobodyAtConsole = false;
 };
 

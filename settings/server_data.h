@@ -31,8 +31,8 @@ StoredValues getStoredValues();
 StoredValues readStoredValues(const std::string &path);
 
 /// Reads server.plist. A value that is missing or of the wrong type has its default: the system's
-/// language narrowed to English or French, an empty server, port 6000. Nothing only when the
-/// platform reports no local Library folder. Reports and writes nothing.
+/// language narrowed to English or French, an empty server, port 6000. Returns nothing only when
+/// the platform reports no local Library folder. Prints and writes nothing.
 std::optional<ServerData> getServerData();
 
 /// The same for the file at `path`.
