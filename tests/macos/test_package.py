@@ -106,11 +106,11 @@ def test_the_installer_has_a_readme_in_five_languages(packages: Path, tmp_path: 
     assert len(strings) == len(LANGUAGES)
 
 
-def test_the_disk_image_holds_the_bundle_and_a_link_to_applications(mac: Mac, packages: Path,
-                                                                    tmp_path: Path) -> None:
+def test_the_disk_image_holds_the_bundle_and_a_link_to_utilities(mac: Mac, packages: Path,
+                                                                  tmp_path: Path) -> None:
     volume = opened(packages / name("dmg"), tmp_path / "volume")
-    assert sorted(f.name for f in volume.iterdir()) == ["Applications", f"{TITLE}.app"]
-    assert str((volume / "Applications").readlink()) == "/Applications"
+    assert sorted(f.name for f in volume.iterdir()) == ["Utilities", f"{TITLE}.app"]
+    assert str((volume / "Utilities").readlink()) == "/Applications/Utilities"
     assert contents(volume / f"{TITLE}.app") == contents(mac.bundle)
 
 
