@@ -1,5 +1,7 @@
 #import "window/window_test.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "app/ns_string.h"
@@ -273,6 +275,18 @@ TEST_F(ActionsDeathTest, ApplyHidesTheWindowAfterItsLastCommandAndBeforeTheProgr
         runAndSend(controller_, @selector(ApplyAction:), nil);
       },
       testing::ExitedWithCode(0), "(visible )+hidden at the end\n$");
+}
+
+TEST_F(ActionsDeathTest, ApplyTakesTheConsoleUserThatTheProgramWasStartedWith) {
+  fill("192.0.2.10", "6000", kIPAddress);
+  app::appStatics().consoleUser = agent::ConsoleUser{.user = "carol", .uid = "777"};
+  recordingShell().answer = [](const doubles::RecordedCommand &command) {
+    if (command.command.find("loggedIn") != std::string::npos) ::_exit(3);
+    if (command.command.find("asuser 777") != std::string::npos) std::fputs("carol ", stderr);
+    return agent::ShellResult{.text = {}, .status = 0};
+  };
+  EXPECT_EXIT(runAndSend(controller_, @selector(ApplyAction:), nil), testing::ExitedWithCode(0),
+              "carol carol ");
 }
 
 TEST_F(ActionsDeathTest, ApplyTakesWhatIsTypedAfterAStoppedAttempt) {

@@ -5,6 +5,7 @@
 #include "app/edition.h"
 #include "app/ns_string.h"
 #include "doubles/fake_directory.h"
+#include "doubles/intercepted_method.h"
 #include "doubles/recording_shell.h"
 
 namespace {
@@ -73,6 +74,21 @@ TEST_F(LoginWindow, IsOnScreenAtLaunchWithTheTitleOfItsEdition) {
     EXPECT_TRUE([window isVisible]);
     [window orderOut:nil];
   }
+}
+
+int activationsAboveOthers = 0;
+
+void countActivation(id, SEL, BOOL ignoringOthers) {
+  if (ignoringOthers) ++activationsAboveOthers;
+}
+
+TEST_F(LoginWindow, ComesAboveTheWindowsOfOtherProgramsAtLaunch) {
+  activationsAboveOthers = 0;
+  const auto intercepted = doubles::InterceptedMethod::ofInstances(
+      [NSApplication class], @selector(activateIgnoringOtherApps:),
+      reinterpret_cast<IMP>(countActivation));
+  launch();
+  EXPECT_EQ(activationsAboveOthers, 1);
 }
 
 TEST_F(LoginWindow, HasAnEmptyMainMenuAfterLaunch) {
