@@ -162,7 +162,7 @@ def try_all(copy: Copy, mutations: list[Mutation], suites: list[Suite]) -> int:
 
 def main() -> int:
     parser = argparse.ArgumentParser(prog="script/mutate")
-    parser.add_argument("--end-to-end", action="store_true")
+    parser.add_argument("--quick", action="store_true")
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--only", default="", metavar="PATTERN")
     options = parser.parse_args()
@@ -171,7 +171,7 @@ def main() -> int:
     if options.list:
         print("\n".join(f"{mutation.name}  ({mutation.file})" for mutation in mutations))
         return 0
-    suites = [*QUICK, *([END_TO_END] if options.end_to_end else [])]
+    suites = [*QUICK, *([] if options.quick else [END_TO_END])]
     copy = Copy(WORK)
     copy.refresh()
     if catcher := caught_by(copy, suites):
