@@ -58,6 +58,10 @@ REFUSED = [
     Break("a null argument where the row does not take one",
           {"null passed to a callee that requires a non-null argument": 1},
           "[field setStringValue:nil];"),
+    Break("an argument of another type than the row takes",
+          {"parameter of type 'int' with an": 1}, '[field setTint:@"red"];',
+          rows=[("AppKit", "10.0", "-", "@interface NSTextField (Tint)"),
+                ("AppKit", "10.0", "-", "- (void)setTint:(int)tint;")]),
     Break("a method of another class", {"'NSApplication' may not respond to 'setStringValue:'": 1},
           '[[NSApplication sharedApplication] setStringValue:@""];'),
 ]

@@ -2,6 +2,7 @@
 sections."""
 
 import re
+import shutil
 import struct
 import subprocess
 import tempfile
@@ -11,6 +12,7 @@ from functools import cached_property
 from pathlib import Path
 
 LLVM = "14"
+UNIVERSAL = b"\xca\xfe\xba\xbe"  # the first bytes of a file for several architectures
 
 
 def tool(name: str, *arguments: str | Path) -> str:
@@ -59,7 +61,10 @@ class Slice:
         self.name, self.architecture = path.name, architecture
         # A folder of its own: every bundle has a tool of the same name.
         self.path = Path(tempfile.mkdtemp(dir=scratch)) / f"{path.name}.{architecture}"
-        tool("lipo", path, "-thin", architecture, "-output", self.path)
+        if path.read_bytes().startswith(UNIVERSAL):
+            tool("lipo", path, "-thin", architecture, "-output", self.path)
+        else:
+            shutil.copyfile(path, self.path)  # lipo refuses a plain file
         self.data = self.path.read_bytes()
 
     @cached_property
