@@ -199,6 +199,24 @@ TEST(ShippedCatalogue, AsksForALogin) {
             "ändern.");
 }
 
+TEST(ShippedCatalogue, TitlesTheButtonsOfTheWindows) {
+  const Json catalogue = Json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
+  const std::map<std::string, std::array<std::string, 4>> expected{
+      {"En", {"OK", "Quit", "Test", "Apply"}},
+      {"Fr", {"OK", "Quitter", "Tester", "Appliquer"}},
+      {"Es", {"Aceptar", "Salir", "Probar", "Aplicar"}},
+      {"It", {"OK", "Esci", "Verifica", "Applica"}},
+      {"Ge", {"OK", "Beenden", "Testen", "Anwenden"}},
+  };
+  for (const auto &[entry, titles] : expected) {
+    const Json &common = catalogue.at(entry).at("Common");
+    EXPECT_EQ((std::array<std::string, 4>{common.at("ok"), common.at("quit"), common.at("test"),
+                                          common.at("apply")}),
+              titles)
+        << entry;
+  }
+}
+
 TEST(ShippedCatalogue, NamesEveryLanguageInEveryLanguage) {
   const std::string text = doubles::ScratchFolder::read(RESOURCES "/translate.json");
   const Json catalogue = Json::parse(text);

@@ -286,6 +286,15 @@ TEST_F(SettingsWindow, KeepsEveryStringWithoutAUsableCatalogueButTrimsAndSelects
   EXPECT_EQ(fieldText(controller, "port_label"), "Port:");
 }
 
+TEST_F(SettingsWindow, OffersItsLanguagesInTheirOrderWithoutAUsableCatalogue) {
+  becomeEdition("Quorvix");
+  setCatalogue("not JSON");
+  testing::internal::CaptureStderr();
+  ServerWindowController *controller = openSettings();
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(itemTitles(controller, "selectLanguage"), "English, French, Italian, German, Spanish");
+}
+
 TEST_F(SettingsWindow, KeepsEveryStringWhenOneLanguageOfTheCatalogueLacksAKey) {
   store("fr", "mdm", "4000");
   ServerWindowController *controller = openSettings();
