@@ -16,7 +16,7 @@
                                      @"Inter-Bold", @"NSBoldFont", nil];
     NSString *const fonts[] = {@"NSFont",        @"NSUserFont", @"NSControlContentFont",
                                @"NSLabelFont",   @"NSMenuFont", @"NSMessageFont",
-                               @"NSToolTipsFont"};
+                               @"NSToolTipsFont", @"NSUserFixedPitchFont"};
     for (NSString *font : fonts) {
       [defaults setObject:@"Inter-Regular" forKey:font];
     }

@@ -1,69 +1,60 @@
 // gui 0.29 cuts the pictures of a theme into nine tiles by drawing each tile into a window of its
-// own, which takes some hundred round trips to the X server for each picture. This copies the
-// pixels.
+// own, and keeps one more window for each tile that it has drawn. That takes some hundred round
+// trips to the X server for each picture. Here a tile is a part of its picture, for which GNUstep
+// keeps one window.
 
 #import <AppKit/AppKit.h>
 #import <objc/runtime.h>
 
-#include <cstring>
-
-@interface GSDrawTiles : NSObject
-- (NSImage *)extractImageFrom:(NSImage *)image withRect:(NSRect)rect;
+/// A part of a picture.
+@interface PlatformTile : NSImage {
+  NSImage *_picture;
+  NSRect _part;
+}
+- (id)initWithPicture:(NSImage *)picture part:(NSRect)part;
 @end
 
-namespace {
+@implementation PlatformTile
 
-/// The bitmap that the image is made of; nil when its pixels cannot be copied byte by byte.
-NSBitmapImageRep *bitmap(NSImage *image) {
-  id first = [[image representations] objectAtIndex:0];
-  const bool isBitmap = [first isKindOfClass:[NSBitmapImageRep class]] && ![first isPlanar] &&
-                        [first bitsPerSample] == 8;
-  return isBitmap ? first : nil;
+- (id)initWithPicture:(NSImage *)picture part:(NSRect)part {
+  self = [super initWithSize:part.size];
+  _picture = [picture retain];
+  _part = part;
+  return self;
 }
 
-/// A bitmap of the same kind with room for that many pixels.
-NSBitmapImageRep *emptyCopy(NSBitmapImageRep *like, NSInteger width, NSInteger height) {
-  return [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
-                                                  pixelsWide:width
-                                                  pixelsHigh:height
-                                               bitsPerSample:8
-                                             samplesPerPixel:[like samplesPerPixel]
-                                                    hasAlpha:[like hasAlpha]
-                                                    isPlanar:NO
-                                              colorSpaceName:[like colorSpaceName]
-                                                bitmapFormat:[like bitmapFormat]
-                                                 bytesPerRow:0
-                                                bitsPerPixel:[like bitsPerPixel]] autorelease];
+- (void)dealloc {
+  [_picture release];
+  [super dealloc];
 }
 
-}  // namespace
-
-@implementation GSDrawTiles (CopiedTiles)
-
-+ (void)load {
-  method_exchangeImplementations(
-      class_getInstanceMethod(self, @selector(extractImageFrom:withRect:)),
-      class_getInstanceMethod(self, @selector(platform_extractImageFrom:withRect:)));
+/// Fills a rectangle of `size` from `point` with the tile. As everywhere in NSImage, what is drawn
+/// stands upright in flipped views too, and `point` is its lower left corner.
+- (void)compositeToPoint:(NSPoint)point
+                fromRect:(NSRect)size
+               operation:(NSCompositingOperation)operation {
+  NSGraphicsContext *context = [NSGraphicsContext currentContext];
+  NSAffineTransform *saved = [context GSCurrentCTM];
+  const NSPoint corner = [saved transformPoint:point];
+  NSAffineTransform *upright = [NSAffineTransform transform];
+  [upright translateXBy:corner.x yBy:corner.y];
+  [context GSSetCTM:upright];
+  [_picture drawInRect:NSMakeRect(0, 0, NSWidth(size), NSHeight(size))
+              fromRect:_part
+             operation:operation
+              fraction:1];
+  [context GSSetCTM:saved];
 }
 
-- (NSImage *)platform_extractImageFrom:(NSImage *)image withRect:(NSRect)rect {
-  NSBitmapImageRep *whole = bitmap(image);
-  if (whole == nil) return [self platform_extractImageFrom:image withRect:rect];
-  const auto left = static_cast<NSInteger>(NSMinX(rect));
-  const auto top = [whole pixelsHigh] - static_cast<NSInteger>(NSMaxY(rect));
-  const auto width = static_cast<NSInteger>(NSWidth(rect));
-  const auto height = static_cast<NSInteger>(NSHeight(rect));
+@end
 
-  NSBitmapImageRep *tile = emptyCopy(whole, width, height);
-  const NSInteger pixel = [whole bitsPerPixel] / 8;
-  for (NSInteger row = 0; row < height; ++row) {
-    std::memcpy([tile bitmapData] + row * [tile bytesPerRow],
-                [whole bitmapData] + (top + row) * [whole bytesPerRow] + left * pixel,
-                static_cast<std::size_t>(width * pixel));
-  }
-  NSImage *cut = [[[NSImage alloc] initWithSize:rect.size] autorelease];
-  [cut addRepresentation:tile];
-  return cut;
+@interface GSDrawTiles : NSObject
+@end
+
+@implementation GSDrawTiles (PartsOfPictures)
+
+- (NSImage *)extractImageFrom:(NSImage *)picture withRect:(NSRect)part {
+  return [[[PlatformTile alloc] initWithPicture:picture part:part] autorelease];
 }
 
 @end

@@ -196,15 +196,22 @@ def menu_mark(colour: str) -> str:
     )
 
 
+def arrow(outline: str, colour: str) -> str:
+    return f'<path d="{outline}" fill="{colour}"/>'
+
+
 # Name, width, height, drawing.
 IMAGES = [
     ("common_SwitchOff", 18, 16, check_box(mark=False)),
     ("common_SwitchOn", 18, 16, check_box(mark=True)),
-    ("common_2DCheckMark", 10, 11, menu_mark(TEXT)),
+    ("GSMenuSelected", 10, 11, menu_mark(TEXT)),
     ("common_2DCheckMarkH", 10, 11, menu_mark("#ffffff")),
-    ("common_2DDash", 10, 11, f'<path d="M 1.5 5.5 h 7" stroke="{TEXT}" stroke-width="1.6"/>'),
-    ("common_3DArrowRight", 8, 10, f'<path d="M 2 1 l 4 4 l -4 4 z" fill="{TEXT}"/>'),
-    ("common_3DArrowRightH", 8, 10, '<path d="M 2 1 l 4 4 l -4 4 z" fill="#ffffff"/>'),
+    ("GSMenuMixed", 10, 11, f'<path d="M 1.5 5.5 h 7" stroke="{TEXT}" stroke-width="1.6"/>'),
+    ("GSMenuArrow", 8, 10, arrow("M 2 1 l 4 4 l -4 4 z", TEXT)),
+    ("common_3DArrowRightH", 8, 10, arrow("M 2 1 l 4 4 l -4 4 z", "#ffffff")),
+    ("common_3DArrowLeft", 8, 10, arrow("M 6 1 l -4 4 l 4 4 z", TEXT)),
+    ("common_3DArrowUp", 10, 8, arrow("M 1 6 l 4 -4 l 4 4 z", TEXT)),
+    ("common_3DArrowDown", 10, 8, arrow("M 1 2 l 4 4 l 4 -4 z", TEXT)),
     # The arrows of pop-up buttons are part of their tiles; this keeps room for them.
     ("common_Nibble", 18, 16, ""),
 ]
