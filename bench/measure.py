@@ -119,7 +119,7 @@ def memory(pid: int) -> tuple[int, int]:
         text = Path(f"/proc/{pid}/{file}").read_text()
         return int(re.findall(rf"^{name}:\s+(\d+)", text, re.MULTILINE)[0])
 
-    return value("status", "VmHWM"), value("smaps_rollup", "Private_Dirty")
+    return value("status", "VmHWM"), value("smaps_rollup", "Anonymous")
 
 
 def measure_start(
