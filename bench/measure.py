@@ -267,7 +267,7 @@ def seconds_of(*command: object) -> float:
 
 def measure_tool(bench: Bench, runs: int) -> dict[str, list[float]]:
     """Seconds of the tool's start, of that of an empty program, and of an apply that finds everything
-    as asked."""
+    as requested."""
     bench.reset()
     bench.machine.write_server_plist(NEW)
     apply_nothing = (TOOL, "apply", "--server", "192.0.2.1", "--json")

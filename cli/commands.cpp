@@ -19,10 +19,10 @@
 namespace cli {
 namespace {
 
-constexpr double kSecondsForLeftCommands = 5;
+constexpr double kSecondsForLeftoverCommands = 5;
 
-/// What is asked for, the profile flag aside; values not named are those that the settings window
-/// would show.
+/// The requested settings except for the profile flag. Options that are not given take the values
+/// that the settings window would show.
 WantedSettings wantedSettings(const Options &options, const app::Edition &edition) {
   const std::optional<settings::ServerData> shown = settings::getServerData();
   const i18n::Language language =
@@ -34,15 +34,15 @@ WantedSettings wantedSettings(const Options &options, const app::Edition &editio
           .profile = false};
 }
 
-/// What one run works on: whatever it finds out goes into its report.
+/// One run of the tool. What it finds out goes into its report.
 struct Run {
   const Options &options;
   const app::Edition &edition;
   Console console;
   Result result;
 
-  /// Fills in what is there and what is wanted. Runs the profile check and the look-ups.
-  void look(WantedSettings wanted, bool unfinished) {
+  /// Fills in the present and the requested state. Runs the profile check and the look-ups.
+  void inspect(WantedSettings wanted, bool unfinished) {
     wanted.profile = agent::checkMDMProfile(edition.oem, rootAccount());
     result.report.wanted = wanted;
     console = findConsole();
@@ -60,12 +60,12 @@ Result show() {
 }
 
 Result check(Run run, const WantedSettings &wanted) {
-  run.look(wanted, readMark(kRunFolder).has_value());
+  run.inspect(wanted, readMark(kRunFolder).has_value());
   Report &report = run.result.report;
-  report.after = madeAsAsked(*report.before, *report.wanted);
+  report.after = asRequested(*report.before, *report.wanted);
   report.problems = differences(*report.before, *report.wanted);
   report.changed = !report.problems.empty();
-  if (report.changed) run.result.status = kNotAsAsked;
+  if (report.changed) run.result.status = kNotAsRequested;
   return run.result;
 }
 
@@ -79,8 +79,8 @@ void writeSystemLog(const WantedSettings &wanted, bool reset, bool isEffective) 
   ::closelog();
 }
 
-/// Acts under the mark, which stays when anything is not as asked.
-void act(Run &run, const RunLock &lock, bool reset) {
+/// Runs the sequence with the mark set. The mark stays if anything is not as requested afterwards.
+void makeChanges(Run &run, const RunLock &lock, bool reset) {
   Report &report = run.result.report;
   if (const std::error_code error = lock.setMark({.processGroup = ::getpgrp(), .reset = reset})) {
     report.problems.push_back("nothing was changed: the run cannot be marked as unfinished: " +
@@ -103,25 +103,26 @@ void act(Run &run, const RunLock &lock, bool reset) {
 
 Result applyUnderLock(Run run, const WantedSettings &wanted, const RunLock &lock) {
   const std::optional<UnfinishedMark> left = lock.mark();
-  if (left) waitForProcessGroup(left->processGroup, kSecondsForLeftCommands);
-  run.look(wanted, left.has_value());
+  if (left) waitForProcessGroup(left->processGroup, kSecondsForLeftoverCommands);
+  run.inspect(wanted, left.has_value());
   Report &report = run.result.report;
   if (!run.options.force && differences(*report.before, *report.wanted).empty()) {
     report.after = report.before;
     return run.result;
   }
   // A reset that was interrupted is repeated: the daemon's settings may be empty.
-  act(run, lock, run.options.reset || (left && left->reset));
-  if (!report.problems.empty()) run.result.status = kNotAsAsked;
+  makeChanges(run, lock, run.options.reset || (left && left->reset));
+  if (!report.problems.empty()) run.result.status = kNotAsRequested;
   return run.result;
 }
 
 Result apply(const Run &run, const WantedSettings &wanted) {
   const RunLock lock(kRunFolder);
-  if (lock.isBusy()) return refusal(kTemporary, "another run is at work");
+  if (lock.isBusy()) return refusal(kTemporary, "another run is in progress");
   if (lock.error()) {
-    return refusal(kNotAsAsked, std::string("nothing was changed: no lock in ") + kRunFolder +
-                                    ": " + lock.error().message());
+    return refusal(kNotAsRequested,
+                   std::string("nothing was changed: unable to take the lock in ") + kRunFolder +
+                       ": " + lock.error().message());
   }
   return applyUnderLock(run, wanted, lock);
 }
@@ -141,7 +142,7 @@ Result carryOut(const Options &options, const app::Edition &edition) {
   if (options.verb == Verb::Show) return show();
   const WantedSettings wanted = wantedSettings(options, edition);
   if (!settings::isPort(wanted.port)) {
-    return refusal(kUsage, "the stored port is not from 0 to 65535: name one with --port");
+    return refusal(kUsage, "the stored port is not a number from 0 to 65535: give one with --port");
   }
   const Run run{.options = options, .edition = edition, .console = {}, .result = {}};
   return options.verb == Verb::Check ? check(run, wanted) : apply(run, wanted);

@@ -10,11 +10,11 @@
 namespace cli {
 
 struct Result {
-  ExitStatus status = kAsAsked;
+  ExitStatus status = kAsRequested;
   Report report;
 };
 
-/// A result that is nothing but one problem.
+/// A result that reports only that problem.
 Result refusal(ExitStatus status, const std::string &problem);
 
 /// Carries out `show`, `check` or `apply` as root. What the commands print goes where the process's

@@ -17,18 +17,19 @@ std::string version(const app::Edition &edition) {
 
 cli::Result run(const cli::ParsedOptions &parsed, const app::Edition &edition) {
   if (!parsed.error.empty()) return cli::refusal(cli::kUsage, parsed.error + "; see --help");
-  // The real user, too: with the set-user-ID bit anybody's call would be root's.
+  // The real user, too: with the set-user-ID bit anybody could call it as root.
   if (::getuid() != 0 || ::geteuid() != 0) {
     return cli::refusal(cli::kNoPermission, "must be run as root");
   }
   cli::useSystemCommands();
   if (parsed.options.verb == cli::Verb::Apply && !cli::enterOwnSession()) {
-    return cli::refusal(cli::kNotAsAsked, "nothing was changed: no session of its own");
+    return cli::refusal(cli::kNotAsRequested,
+                        "nothing was changed: unable to start a session of its own");
   }
   return cli::carryOut(parsed.options, edition);
 }
 
-/// The result alone on standard output; what kept the tool from any is a message.
+/// Only the result goes to standard output. Without one, the reason goes out as a message.
 void print(const cli::Result &result, bool asJson, int output) {
   const cli::Report &report = result.report;
   const bool isRefusal = !report.before;
@@ -55,7 +56,7 @@ int main(int argc, char *argv[]) {
   const cli::Verb verb = parsed.options.verb;
   if (parsed.error.empty() && (verb == cli::Verb::Help || verb == cli::Verb::Version)) {
     cli::writeTo(output, verb == cli::Verb::Help ? cli::usage(edition) : version(edition));
-    return cli::kAsAsked;
+    return cli::kAsRequested;
   }
   const cli::Result result = run(parsed, edition);
   print(result, parsed.options.json, output);

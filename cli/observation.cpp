@@ -15,7 +15,7 @@ constexpr std::array<std::string_view, 3> kNobody{"", "root", "_windowserver"};
 
 bool isNobody(std::string_view name) { return std::ranges::find(kNobody, name) != kNobody.end(); }
 
-/// Whether the name means itself between the double quotes of a command line, which runs as root.
+/// Whether a shell reads the name literally between double quotes: the command line runs as root.
 bool isPlainName(std::string_view name) {
   return std::ranges::none_of(name, [](char c) {
     return static_cast<unsigned char>(c) < ' ' ||

@@ -10,7 +10,7 @@ agent::Credentials rootAccount();
 
 /// The user at the console.
 struct Console {
-  agent::ConsoleUser user;  ///< empty when nobody is there, or nobody whose id can be found
+  agent::ConsoleUser user;  ///< empty if nobody is there or no id is found
   bool isUnknown = false;   ///< somebody is there, but the id cannot be found
 };
 
@@ -18,7 +18,7 @@ struct Console {
 Console findConsole();
 
 /// Reads server.plist and asks launchd for the jobs: one command, two with a user at the console.
-/// `unfinished` is left as it is by default.
+/// Leaves `unfinished` at its default.
 State observe(const Console &console);
 
 }  // namespace cli

@@ -69,7 +69,7 @@ constexpr std::array<ValueOption, 3> kValueOptions{{
     {"--language", &Options::language, isOffered, "a language that this edition offers"},
 }};
 
-/// An option that is on when it is named.
+/// An option that is on when it is present.
 struct Flag {
   std::string_view name;
   bool Options::*value;
@@ -96,14 +96,14 @@ std::string plainDecimal(const std::string &port) {
   return first == std::string::npos ? "0" : port.substr(first);
 }
 
-/// Reads the options behind the verb, one at a time, up to the first error.
+/// Reads the options after the verb, one at a time, up to the first error.
 class Reader {
  public:
   Reader(const std::vector<std::string> &arguments, const Command &command,
          const app::Edition &edition, Options &options)
       : arguments_(arguments), command_(command), edition_(edition), options_(options) {}
 
-  /// What is wrong; empty when nothing is.
+  /// Returns what is wrong; empty when nothing is.
   std::string read() {
     std::string error;
     while (error.empty() && next_ < arguments_.size()) error = readOption();
@@ -165,7 +165,7 @@ ParsedOptions parseOptions(const std::vector<std::string> &arguments, const app:
     parsed.error = "--server is required";
   }
   if (options.port) options.port = plainDecimal(*options.port);
-  // An engine that asked for JSON gets it with an error, too, wherever the error is.
+  // An engine that asked for JSON also gets it for an invalid command line.
   options.json = std::ranges::find(arguments, "--json") != arguments.end();
   return parsed;
 }
@@ -185,22 +185,23 @@ std::string usage(const app::Edition &edition) {
          std::string(edition.oem) +
          " agent of this Mac at its management server. Must be run as root.\n"
          "\n"
-         "  show             report the present settings and jobs\n"
-         "  check            report whether everything is as asked; changes nothing\n"
-         "  apply            make it so; does nothing when it already is\n"
+         "  show             report the current settings and jobs\n"
+         "  check            report whether everything is as requested; changes nothing\n"
+         "  apply            apply the settings; does nothing if everything is already as "
+         "requested\n"
          "\n"
          "  --server HOST    IPv4 or IPv6 address, or host name\n"
-         "  --port N         0 to 65535; default: the stored one, else 6000\n"
+         "  --port N         0 to 65535; default: the stored port, else 6000\n"
          "  --language CODE  one of:" +
          languages +
-         "; default: the stored one\n"
-         "  --reset          when acting, also delete and regenerate the agent's own settings\n"
-         "  --force          act even when everything is as asked\n"
+         "; default: the stored language\n"
+         "  --reset          when applying, also delete and regenerate the agent's own settings\n"
+         "  --force          apply even if everything is as requested\n"
          "  --json           report one line of JSON\n"
          "\n"
-         "Exit status: 0 as asked; 1 not as asked (check), or applied but not effective (apply);\n"
-         "64 usage or a bad value; 69 the agent is not installed; 75 another one is at work;\n"
-         "77 not root.\n";
+         "Exit status: 0 as requested; 1 not as requested (check), or applied but not effective\n"
+         "(apply); 64 invalid command line or value; 69 the agent is not installed; 75 another\n"
+         "run is in progress; 77 not root.\n";
 }
 
 }  // namespace cli

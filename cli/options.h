@@ -10,7 +10,7 @@ namespace cli {
 
 enum class Verb { Show, Check, Apply, Help, Version };
 
-/// What the command line asks for. Values are valid; those not named are empty.
+/// What the command line asks for. Values are valid; options that are not given are empty.
 struct Options {
   Verb verb = Verb::Help;
   std::optional<std::string> server;
@@ -23,11 +23,11 @@ struct Options {
 
 struct ParsedOptions {
   Options options;
-  std::string error;  ///< what is wrong with the command line; empty when nothing is
+  std::string error;  ///< what is wrong with the command line; else empty
 };
 
-/// Reads the arguments that follow the program's own path. Nothing is looked up and nothing is run:
-/// every value that is accepted here is safe in a command line, a file and a log.
+/// Reads the arguments that follow the program's own path; looks nothing up and runs nothing. Every
+/// value accepted here is safe in a command line, in server.plist and in a log.
 ///
 ///     parseOptions({"apply", "--server", "mdm.example.com", "--json"}, edition)
 ParsedOptions parseOptions(const std::vector<std::string> &arguments, const app::Edition &edition);

@@ -24,7 +24,7 @@ constexpr std::array kInterruptions{SIGHUP, SIGINT, SIGQUIT, SIGTERM};
   int status = 0;
   while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
-  ::_exit(WIFEXITED(status) ? WEXITSTATUS(status) : kNotAsAsked);
+  ::_exit(WIFEXITED(status) ? WEXITSTATUS(status) : kNotAsRequested);
 }
 
 void copyToEnd(int from, int to) {
@@ -64,7 +64,7 @@ void useSystemCommands() {
 
 bool enterOwnSession() {
   if (::setsid() >= 0) return true;
-  ::signal(SIGCHLD, SIG_DFL);  // ignored, it would take the child's exit status with it
+  ::signal(SIGCHLD, SIG_DFL);  // if ignored, the child's exit status would be lost
   const pid_t child = ::fork();
   if (child < 0) return false;
   if (child > 0) {
@@ -81,7 +81,7 @@ void ignoreInterruptions() {
 MessageBuffer::MessageBuffer() {
   FILE *file = std::tmpfile();
   if (file == nullptr) {
-    app::printErrorLog("unable to make a temporary file for messages");
+    app::printErrorLog("unable to create a temporary file for messages");
     return;
   }
   file_ = ::fcntl(::fileno(file), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);

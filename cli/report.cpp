@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::uint32_t kReplacementCharacter = 0xFFFD;
 
-/// Takes one character off the front of the text; the replacement for a byte that begins none.
+/// Takes one character off the front of the text. A byte that does not begin a valid one becomes
+/// the replacement character.
 std::uint32_t takeCharacter(std::string_view &text) {
   std::size_t length = 1;
   while (length <= 4 && !agent::isUtf8(text.substr(0, length))) ++length;
@@ -20,7 +21,7 @@ std::uint32_t takeCharacter(std::string_view &text) {
   const std::string_view bytes = text.substr(0, length);
   text.remove_prefix(length);
   if (!isValid) return kReplacementCharacter;
-  // The lead byte of a longer form has one payload bit less for each byte.
+  // The lead byte has one payload bit fewer for each byte that follows.
   const auto lead = static_cast<unsigned char>(bytes.front());
   std::uint32_t character = length == 1 ? lead : lead & (0x7FU >> length);
   for (const char c : bytes.substr(1)) {
@@ -70,7 +71,7 @@ Member string(std::string_view name, const std::optional<std::string> &value) {
   return {name, jsonString(*value), printable(*value)};
 }
 
-/// A stored port may be any integer; as a JSON number it might not survive its reader.
+/// A stored port may be any integer; readers of JSON may not keep a large number exactly.
 Member port(const std::optional<std::string> &value) {
   Member member = string("port", value);
   constexpr std::size_t kMostDigits = 5;

@@ -9,7 +9,7 @@
 
 namespace cli {
 
-/// What one run has to say. Parts that it did not get to are missing.
+/// What one run reports. Parts that it did not get to are missing.
 struct Report {
   bool changed = false;  ///< for `check`: whether `apply` would change something
   std::optional<State> before;
@@ -22,7 +22,7 @@ struct Report {
 /// `after`, `wanted` and `problems`, always all of them, null where the report has no such part.
 std::string jsonReport(const Report &report);
 
-/// The same for people: a line for each value, with what it was if that differs.
+/// The same for people: a line for each value, with the old value if it has changed.
 std::string textReport(const Report &report);
 
 /// The text as a JSON string with its quotes, in ASCII. A byte that is not part of valid UTF-8

@@ -87,7 +87,7 @@ RunLock::~RunLock() {
 std::optional<UnfinishedMark> RunLock::mark() const { return markIn(file_); }
 
 std::error_code RunLock::setMark(const UnfinishedMark &mark) const {
-  // One write, so that a kill leaves the mark whole or not there.
+  // One write, so that a run killed here leaves a complete mark or none.
   const std::string text =
       std::to_string(mark.processGroup) + (mark.reset ? " " + std::string(kReset) : "") + "\n";
   const auto length = static_cast<off_t>(text.size());

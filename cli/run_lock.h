@@ -8,8 +8,8 @@
 
 namespace cli {
 
-/// In a folder that only root can write to: cleared at every start of the system, as the launchd
-/// jobs are loaded again then.
+/// Only root can write to it. The system clears it at every start, when it also loads the launchd
+/// jobs again.
 inline constexpr const char *kRunFolder = "/var/run/configure-agent";
 
 /// Left in the file while a run changes the system, so that the next one notices an interruption.
@@ -27,17 +27,17 @@ std::optional<UnfinishedMark> readMark(const std::string &folder);
 /// process, however that ends; the mark stays until it is cleared. Commands do not inherit it.
 class RunLock {
  public:
-  /// Takes the lock, or finds it taken, at once. Makes the folder where it is missing.
+  /// Takes the lock, or finds it taken; does not wait. Creates the folder if it is missing.
   explicit RunLock(const std::string &folder);
   ~RunLock();
   RunLock(const RunLock &) = delete;
   RunLock &operator=(const RunLock &) = delete;
 
   bool isBusy() const { return isBusy_; }
-  /// Why there is no lock, when that is not because another run has it.
+  /// Why there is no lock, other than that another run has it.
   std::error_code error() const { return error_; }
 
-  /// What an earlier run left. The lock must be held, as for the rest.
+  /// What an earlier run left. This and the functions below need the lock.
   std::optional<UnfinishedMark> mark() const;
   [[nodiscard]] std::error_code setMark(const UnfinishedMark &mark) const;
   [[nodiscard]] std::error_code clearMark() const;

@@ -43,7 +43,7 @@ settings::ApplyOutcome apply(const SequenceRequest &request, Problems &problems)
   return outcome;
 }
 
-/// What a look at the jobs does not show.
+/// Failures that the state of the jobs does not show.
 void addHiddenFailures(const settings::ApplyOutcome &outcome, const State &after,
                        Problems &problems) {
   if (outcome.write) {

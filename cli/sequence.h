@@ -21,9 +21,8 @@ struct SequenceResult {
   std::vector<std::string> problems;  ///< everything that is not effective
 };
 
-/// The window's Apply as root, followed by a look at what it has achieved. Interruptions are
-/// ignored from its beginning to the end of the process. What the commands print goes to standard
-/// error afterwards.
+/// Runs the window's Apply as root, then checks the result. Ignores interruptions from its
+/// beginning to the end of the process. What the commands print goes to standard error afterwards.
 SequenceResult runSequence(const SequenceRequest &request);
 
 }  // namespace cli

@@ -9,8 +9,8 @@
 namespace cli {
 
 /// Keeps the owner and mode of the daemon's settings file, which a reset by root would otherwise
-/// take over: administrators could not reset it in the window any more. A missing file is made
-/// first, empty, with the owner and the access of its folder. A symbolic link is left alone.
+/// take over: administrators could no longer reset it in the window. A missing file is created
+/// first, empty, with the owner and access rights of its folder. A symbolic link is left alone.
 class SettingsOwner {
  public:
   explicit SettingsOwner(std::string path);

@@ -6,8 +6,9 @@ namespace {
 void compare(const std::string &name, const std::optional<std::string> &stored,
              const std::string &wanted, std::vector<std::string> &problems) {
   if (stored == wanted) return;
-  problems.push_back(stored ? "the stored " + name + " is " + *stored + ", wanted is " + wanted
-                            : "no " + name + " is stored, wanted is " + wanted);
+  problems.push_back(
+      (stored ? "the stored " + name + " is " + *stored : "no " + name + " is stored") +
+      " (requested: " + wanted + ")");
 }
 
 std::string yesOrNo(bool value) { return value ? "yes" : "no"; }
@@ -28,14 +29,13 @@ std::vector<std::string> differences(const State &state, const WantedSettings &w
   }
   if (state.consoleUserUnknown) {
     problems.emplace_back(
-        "the owner of the console has no user id, so the per-user job of that "
-        "user cannot be reached");
+        "the owner of the console has no user id, so that user's job cannot be reached");
   }
   if (state.unfinished) problems.emplace_back("an earlier run was left unfinished");
   return problems;
 }
 
-State madeAsAsked(State state, const WantedSettings &wanted) {
+State asRequested(State state, const WantedSettings &wanted) {
   state.stored = {.language = wanted.language,
                   .server = wanted.server,
                   .port = wanted.port,

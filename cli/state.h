@@ -20,21 +20,21 @@ struct WantedSettings {
 struct State {
   settings::StoredValues stored;
   bool daemonLoaded = false;
-  /// Name of the user at the console; empty when nobody is, or nobody whose id can be found.
+  /// Name of the user at the console; empty if nobody is there or no id is found.
   std::string consoleUser;
-  /// Of the console user's own job; nothing without a console user.
+  /// Whether the console user's own job is loaded; nothing without a console user.
   std::optional<bool> agentLoaded;
-  /// Somebody owns the console who has no user id, so that user's job cannot be reached.
+  /// The owner of the console has no user id, so that user's job cannot be reached.
   bool consoleUserUnknown = false;
   /// An earlier run was interrupted in the middle, or is still in progress.
   bool unfinished = false;
 };
 
-/// Everything that is not as asked, one sentence each. Stored values are compared as values: how
-/// the file is written does not matter.
+/// Everything that is not as requested, one sentence each. Compares values: how the file is written
+/// does not matter.
 std::vector<std::string> differences(const State &state, const WantedSettings &wanted);
 
-/// What `state` becomes when everything is made as asked.
-State madeAsAsked(State state, const WantedSettings &wanted);
+/// `state` with everything as requested.
+State asRequested(State state, const WantedSettings &wanted);
 
 }  // namespace cli

@@ -33,7 +33,7 @@ OLD = server_plist("fr", "192.0.2.1", "4000", False)
 NEW = server_plist("fr", NEW_SERVER, "4000", False)
 SETTINGS = EDITIONS["Zentavo"].settings
 DAEMON_EXECUTABLE = f"{SETTINGS.parent}/SystemAgentDaemon"
-AS_ASKED: dict[str, object] = {
+AS_REQUESTED: dict[str, object] = {
     "server": NEW_SERVER,
     "port": 4000,
     "language": "fr",
@@ -44,13 +44,13 @@ AS_ASKED: dict[str, object] = {
     "unfinished": False,
 }
 WANTED: dict[str, object] = {
-    name: AS_ASKED[name] for name in ("server", "port", "language", "profile")
+    name: AS_REQUESTED[name] for name in ("server", "port", "language", "profile")
 }
 
 
 @pytest.fixture(autouse=True)
 def running_agent(machine: Machine) -> None:
-    """Both jobs are loaded, with settings that differ from those that are asked for."""
+    """Both jobs are loaded, with settings that differ from the requested ones."""
     tool.forget_runs()
     machine.write_server_plist(OLD)
     machine.load(AGENT, DAEMON)
@@ -78,8 +78,8 @@ def test_apply_runs_the_defined_commands_between_two_looks(
     assert machine.journal() == [*looks(), *sequence(stops=stops, reset=reset), *checks()]
     assert result.report == {
         "changed": True,
-        "before": AS_ASKED | {"server": "192.0.2.1", "daemon": daemon, "agent": agent},
-        "after": AS_ASKED,
+        "before": AS_REQUESTED | {"server": "192.0.2.1", "daemon": daemon, "agent": agent},
+        "after": AS_REQUESTED,
         "wanted": WANTED,
         "problems": [],
     }
@@ -121,14 +121,14 @@ def test_the_tool_links_no_windows(edition: str) -> None:
     assert "libX11" not in libraries
 
 
-def test_apply_does_nothing_when_everything_is_as_asked_already(machine: Machine) -> None:
+def test_apply_does_nothing_when_everything_is_as_requested_already(machine: Machine) -> None:
     assert run(*APPLY).status == 0
     written = SERVER_PLIST.stat().st_mtime_ns
     ran = len(machine.journal())
     result = run(*APPLY)
     assert result.status == 0
     assert result.report == {
-        "changed": False, "before": AS_ASKED, "after": AS_ASKED, "wanted": WANTED, "problems": []
+        "changed": False, "before": AS_REQUESTED, "after": AS_REQUESTED, "wanted": WANTED, "problems": []
     }
     assert machine.journal()[ran:] == looks()
     assert SERVER_PLIST.stat().st_mtime_ns == written
@@ -159,7 +159,7 @@ def test_a_stored_value_that_differs_or_has_another_type_is_replaced(
     assert SERVER_PLIST.read_bytes() == NEW
 
 
-def test_force_acts_although_everything_is_as_asked(machine: Machine) -> None:
+def test_force_applies_although_everything_is_as_requested(machine: Machine) -> None:
     machine.write_server_plist(NEW)
     result = run(*APPLY, "--force")
     assert (result.status, result.report["changed"]) == (0, True)
@@ -194,7 +194,7 @@ def test_a_dry_run_changes_nothing(machine: Machine, verb: str, tmp_path: Path) 
     result = run(verb, *(["--server", NEW_SERVER] if verb == "check" else []), "--json", env=home)
     assert machine_files() == before
     assert machine.loaded() == {AGENT, DAEMON}
-    present = AS_ASKED | {"server": "192.0.2.1"}
+    present = AS_REQUESTED | {"server": "192.0.2.1"}
     assert result.report["before"] == present
     if verb == "show":
         assert machine.journal() == looks()[len(looks()) - len(checks()) - 4 :]
@@ -202,15 +202,15 @@ def test_a_dry_run_changes_nothing(machine: Machine, verb: str, tmp_path: Path) 
         assert result.report["wanted"] is None
     else:
         assert machine.journal() == looks()
-        assert (result.status, result.report["after"]) == (1, AS_ASKED)
+        assert (result.status, result.report["after"]) == (1, AS_REQUESTED)
         assert result.report["wanted"] == WANTED
         assert result.report["changed"] is True
         assert result.report["problems"] == [
-            f"the stored server is 192.0.2.1, wanted is {NEW_SERVER}"
+            f"the stored server is 192.0.2.1 (requested: {NEW_SERVER})"
         ]
 
 
-def test_check_agrees_when_everything_is_as_asked(machine: Machine) -> None:
+def test_check_agrees_when_everything_is_as_requested(machine: Machine) -> None:
     machine.write_server_plist(NEW)
     result = run("check", "--server", NEW_SERVER, "--json")
     assert (result.status, result.report["changed"], result.report["problems"]) == (0, False, [])
@@ -234,7 +234,7 @@ def test_without_a_user_at_the_console_the_per_user_job_is_left_alone(
     assert machine.journal() == [
         *looks(console=False), *sequence(console=False), *checks(console=False)
     ]
-    assert result.report["after"] == AS_ASKED | {"agent": None, "console": None}
+    assert result.report["after"] == AS_REQUESTED | {"agent": None, "console": None}
     assert machine.loaded() == {AGENT, DAEMON}
     assert run(*APPLY).report["changed"] is False
 
@@ -433,7 +433,7 @@ def test_a_folder_that_keeps_its_settings_is_named_and_the_jobs_run_again(machin
         subprocess.run(["umount", PREFERENCES], check=True)
     assert result.status == 1
     assert result.report["problems"] == [
-        f"the stored server is 192.0.2.1, wanted is {NEW_SERVER}",
+        f"the stored server is 192.0.2.1 (requested: {NEW_SERVER})",
         "server.plist cannot be written: Read-only file system",
     ]
     assert result.report["after"]["unfinished"] is True

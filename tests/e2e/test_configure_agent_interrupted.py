@@ -148,7 +148,7 @@ def test_a_second_run_gives_way_at_once(machine: Machine) -> None:
     began = time.monotonic()
     second = run(*apply_to("192.0.2.99"), edition="Quorvix")
     assert time.monotonic() - began < 0.5
-    assert (second.status, second.report["problems"]) == (75, ["another run is at work"])
+    assert (second.status, second.report["problems"]) == (75, ["another run is in progress"])
     assert len(machine.records()) == ran
     assert run("check", "--server", NEW_SERVER, "--json").report["before"]["unfinished"] is True
     assert finish(first).status == 0
@@ -213,7 +213,8 @@ def test_a_lock_folder_that_others_may_write_to_is_refused(machine: Machine) -> 
     result = run(*APPLY)
     assert result.status == 1
     assert result.report["problems"] == [
-        "nothing was changed: no lock in /var/run/configure-agent: Operation not permitted"
+        "nothing was changed: unable to take the lock in /var/run/configure-agent: "
+        "Operation not permitted"
     ]
     assert machine.journal() == []
     shutil.rmtree(tool.RUN_FOLDER)
@@ -225,8 +226,7 @@ def test_a_console_user_without_an_id_is_reported_and_left_alone(machine: Machin
     result = run(*APPLY)
     assert result.status == 1
     assert result.report["problems"] == [
-        "the owner of the console has no user id, "
-        "so the per-user job of that user cannot be reached"
+        "the owner of the console has no user id, so that user's job cannot be reached"
     ]
     assert SERVER_PLIST.read_bytes() == NEW
     assert machine.loaded() == BOTH

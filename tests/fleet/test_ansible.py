@@ -72,7 +72,7 @@ def test_values_that_are_not_named_stay(macs: list[Mac], ansible: Ansible) -> No
         assert {"server": NEW, "port": 4000, "language": "fr"}.items() <= mac.settings().items()
 
 
-def test_force_acts_where_everything_is_as_asked(macs: list[Mac], ansible: Ansible) -> None:
+def test_force_applies_where_everything_is_as_requested(macs: list[Mac], ansible: Ansible) -> None:
     ansible.apply(server=OLD)
     assert ansible.apply("--check", server=OLD, force=True).statuses == each(macs, "changed")
     commands = [len(mac.commands()) for mac in macs]

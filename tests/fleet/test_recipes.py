@@ -74,7 +74,7 @@ def bare(mac: Mac) -> Iterator[Mac]:
     mac.run("mv", "/tmp/agent", AGENT_FOLDER)
 
 
-def test_munki_installs_where_the_settings_are_not_as_asked(mac: Mac) -> None:
+def test_munki_installs_where_the_settings_are_not_as_requested(mac: Mac) -> None:
     check, install = recipes("Munki")
     assert run_as_engine(mac, check).returncode == 0
     assert mac.settings() == {}
@@ -115,9 +115,9 @@ def test_jamfs_script_takes_the_server_and_perhaps_the_port_from_its_parameters(
 
 def test_jamfs_extension_attribute_follows_the_mac(mac: Mac) -> None:
     script, attribute = recipes("Jamf")
-    assert run_as_engine(mac, attribute).stdout == "<result>not as asked</result>\n"
+    assert run_as_engine(mac, attribute).stdout == "<result>not as requested</result>\n"
     run_as_engine(mac, script, "/", "mac1", "alice", SERVER)
-    assert run_as_engine(mac, attribute).stdout == "<result>as asked</result>\n"
+    assert run_as_engine(mac, attribute).stdout == "<result>as requested</result>\n"
 
 
 def test_jamfs_extension_attribute_names_a_missing_agent(bare: Mac) -> None:

@@ -67,7 +67,7 @@ TEST_F(Observation, FindsNobodyWhileTheLoginWindowIsShown) {
   }
 }
 
-TEST_F(Observation, PutsNoNameIntoACommandThatTheShellWouldRead) {
+TEST_F(Observation, PutsNoNameIntoACommandThatTheShellWouldInterpret) {
   for (const char *owner : {"a\"b", "a$(id)", "a`id`", "a\\b", "a\tb"}) {
     recordingShell().commands.clear();
     owner_ = owner;
@@ -78,7 +78,7 @@ TEST_F(Observation, PutsNoNameIntoACommandThatTheShellWouldRead) {
   }
 }
 
-TEST_F(Observation, TakesNoMessageForAUserId) {
+TEST_F(Observation, DoesNotTakeAMessageForAUserId) {
   for (const char *uid : {"", "id: 'alice': no such user", "501 ", "-1"}) {
     uid_ = uid;
     EXPECT_EQ(cli::findConsole().user.user, "") << uid;
@@ -100,7 +100,7 @@ TEST_F(Observation, ReadsTheFileAndAsksForBothJobs) {
   EXPECT_EQ(recordingShell().commandLines(), (std::vector<std::string>{kCheckDaemon, kCheckAgent}));
 }
 
-TEST_F(Observation, AsksForNoPerUserJobOfNobody) {
+TEST_F(Observation, AsksForNoPerUserJobWithoutAUser) {
   daemonStatus_ = 113;
   const cli::State state = cli::observe({.user = {}, .isUnknown = true});
   EXPECT_FALSE(state.daemonLoaded);

@@ -33,7 +33,7 @@ TEST(Options, TakeEveryOptionOfApply) {
   EXPECT_TRUE(parsed.options.reset && parsed.options.force && parsed.options.json);
 }
 
-TEST(Options, LeaveWhatIsNotNamedEmpty) {
+TEST(Options, AreEmptyWhenTheyAreNotGiven) {
   const cli::ParsedOptions parsed = parse({"check", "--server", "mdm"});
   EXPECT_EQ(parsed.error, "");
   EXPECT_EQ(parsed.options.verb, Verb::Check);
@@ -191,7 +191,7 @@ TEST(LanguageOption, IsOneThatTheEditionOffers) {
   }
 }
 
-TEST(Options, AskForJsonEvenWhereTheyAreWrong) {
+TEST(Options, AskForJsonEvenWhenTheyAreInvalid) {
   EXPECT_TRUE(parse({"apply", "--json"}).options.json);
   EXPECT_TRUE(parse({"apply", "--port", "x", "--json"}).options.json);
   EXPECT_FALSE(parse({"apply", "--port", "x"}).options.json);

@@ -39,7 +39,7 @@ TEST(JsonString, EscapesEverythingThatIsNotPrintableAscii) {
       {"\xEF\xBF\xBF", R"("\uffff")"},
       {"\xF0\x9F\x98\x80", R"("\ud83d\ude00")"},
       {"\xF4\x8F\xBF\xBF", R"("\udbff\udfff")"},
-      // What is not UTF-8, byte by byte; the text goes on behind it.
+      // Each byte that is not UTF-8 is replaced; the text after it is kept.
       {"\xFFx", R"("\ufffdx")"},
       {"\x80", R"("\ufffd")"},
       {"\xC3", R"("\ufffd")"},
@@ -70,7 +70,7 @@ TEST(JsonReport, IsOneLineWithEveryMember) {
             "\n");
 }
 
-TEST(JsonReport, HasNullForWhatIsNotThere) {
+TEST(JsonReport, HasNullForWhatIsMissing) {
   EXPECT_EQ(jsonReport({}),
             R"({"changed":false,"before":null,"after":null,"wanted":null,"problems":[]})"
             "\n");
@@ -83,7 +83,7 @@ TEST(JsonReport, HasNullForWhatIsNotThere) {
       << jsonReport(empty);
 }
 
-TEST(JsonReport, GivesAPortThatIsNoneAsAString) {
+TEST(JsonReport, GivesAnInvalidPortAsAString) {
   struct {
     const char *port, *json;
   } const cases[] = {{"0", "0,"},
@@ -123,28 +123,28 @@ TEST(TextReport, ShowsWhatBecameOfEachValueAndEveryProblem) {
             "problem     second\n");
 }
 
-TEST(Differences, NameEachThingThatIsNotAsAsked) {
+TEST(Differences, NameEachThingThatIsNotAsRequested) {
   EXPECT_EQ(
       differences(state(), kWanted),
       (std::vector<std::string>{
-          "the stored server is 192.0.2.1, wanted is 192.0.2.10",
-          "the stored port is 4000, wanted is 6000", "the stored language is fr, wanted is en",
-          "the stored profile flag is yes, wanted is no", "the per-user job of alice is not loaded",
-          "an earlier run was left unfinished"}));
+          "the stored server is 192.0.2.1 (requested: 192.0.2.10)",
+          "the stored port is 4000 (requested: 6000)", "the stored language is fr (requested: en)",
+          "the stored profile flag is yes (requested: no)",
+          "the per-user job of alice is not loaded", "an earlier run was left unfinished"}));
   EXPECT_EQ(differences({}, kWanted),
             (std::vector<std::string>{
-                "no server is stored, wanted is 192.0.2.10", "no port is stored, wanted is 6000",
-                "no language is stored, wanted is en", "no profile flag is stored, wanted is no",
-                "the daemon's job is not loaded"}));
+                "no server is stored (requested: 192.0.2.10)",
+                "no port is stored (requested: 6000)", "no language is stored (requested: en)",
+                "no profile flag is stored (requested: no)", "the daemon's job is not loaded"}));
 }
 
-TEST(Differences, AreNoneWhenEverythingIsMadeAsAsked) {
+TEST(Differences, AreNoneWhenEverythingIsAsRequested) {
   State unknown = state();
-  EXPECT_TRUE(differences(madeAsAsked(state(), kWanted), kWanted).empty());
-  EXPECT_TRUE(differences(madeAsAsked({}, kWanted), kWanted).empty());
-  EXPECT_EQ(madeAsAsked({}, kWanted).agentLoaded, std::nullopt);
+  EXPECT_TRUE(differences(asRequested(state(), kWanted), kWanted).empty());
+  EXPECT_TRUE(differences(asRequested({}, kWanted), kWanted).empty());
+  EXPECT_EQ(asRequested({}, kWanted).agentLoaded, std::nullopt);
   unknown.consoleUserUnknown = true;
-  EXPECT_EQ(differences(madeAsAsked(unknown, kWanted), kWanted).size(), 1U);
+  EXPECT_EQ(differences(asRequested(unknown, kWanted), kWanted).size(), 1U);
 }
 
 }  // namespace

@@ -58,7 +58,7 @@ TEST_F(Lock, IsNotInheritedByCommands) {
   FAIL() << "the lock's descriptor was not found";
 }
 
-TEST_F(Lock, KeepsAMarkBeyondItsEnd) {
+TEST_F(Lock, LeavesItsMarkBehind) {
   EXPECT_FALSE(readMark(folder_));
   {
     const RunLock lock(folder_);
@@ -87,7 +87,7 @@ TEST_F(Lock, TakesWhateverIsInTheFileForAMark) {
   }
 }
 
-TEST_F(Lock, IsRefusedWhereOthersMayWrite) {
+TEST_F(Lock, IsRefusedInAFolderThatOthersMayWriteTo) {
   std::filesystem::create_directory(folder_);
   std::filesystem::permissions(folder_, std::filesystem::perms::all);
   const RunLock lock(folder_);
@@ -98,7 +98,7 @@ TEST_F(Lock, IsRefusedWhereOthersMayWrite) {
   EXPECT_FALSE(readMark(folder_));
 }
 
-TEST_F(Lock, IsRefusedBehindASymbolicLink) {
+TEST_F(Lock, IsRefusedInALinkedFolder) {
   std::filesystem::create_directory(scratch_.file("other"));
   std::filesystem::create_symlink(scratch_.file("other"), folder_);
   EXPECT_TRUE(RunLock(folder_).error());
@@ -113,7 +113,7 @@ TEST_F(Lock, FollowsNoSymbolicLinkInItsFolder) {
   EXPECT_FALSE(readMark(folder_));
 }
 
-TEST_F(Lock, IsRefusedWhereNoFolderCanBeMade) {
+TEST_F(Lock, IsRefusedWhenTheFolderCannotBeCreated) {
   EXPECT_EQ(RunLock(scratch_.file("missing/run")).error(), std::errc::no_such_file_or_directory);
 }
 
@@ -123,7 +123,7 @@ double secondsToWait(pid_t group, double limit) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
 }
 
-TEST(LeftCommands, AreWaitedForUpToALimit) {
+TEST(LeftoverCommands, AreWaitedForUpToALimit) {
   const pid_t child = ::fork();
   if (child == 0) {
     ::pause();
@@ -136,7 +136,7 @@ TEST(LeftCommands, AreWaitedForUpToALimit) {
   EXPECT_LT(secondsToWait(child, 5), 1);
 }
 
-TEST(LeftCommands, AreNotLookedForInTheOwnGroupOrNone) {
+TEST(LeftoverCommands, AreNotWaitedForInTheToolsOwnGroupOrAnInvalidOne) {
   for (const pid_t group : {::getpgrp(), 1, 0, -1}) EXPECT_LT(secondsToWait(group, 5), 1);
 }
 

@@ -12,7 +12,7 @@ namespace {
 using cli::SettingsOwner;
 using doubles::ScratchFolder;
 
-struct stat statusOf(const std::string &path) {
+struct stat fileStatus(const std::string &path) {
   struct stat info {};
   EXPECT_EQ(::lstat(path.c_str(), &info), 0) << path;
   return info;
@@ -33,17 +33,17 @@ TEST_F(Owner, GivesTheModeBackAfterTheFileWasReplaced) {
   folder_.write("daemon.settings.xml", "new");
   ::chmod(path_.c_str(), 0600);
   EXPECT_FALSE(owner.restore());
-  EXPECT_EQ(statusOf(path_).st_mode & 07777, 0664U);
+  EXPECT_EQ(fileStatus(path_).st_mode & 07777, 0664U);
   EXPECT_EQ(ScratchFolder::read(path_), "new");
 }
 
-TEST_F(Owner, MakesAMissingFileWithTheAccessOfItsFolder) {
+TEST_F(Owner, CreatesAMissingFileWithTheAccessRightsOfItsFolder) {
   ::chmod(folder_.path().c_str(), 0775);
   const SettingsOwner owner(path_);
-  EXPECT_EQ(statusOf(path_).st_mode & 07777, 0664U);
-  EXPECT_EQ(statusOf(path_).st_size, 0);
+  EXPECT_EQ(fileStatus(path_).st_mode & 07777, 0664U);
+  EXPECT_EQ(fileStatus(path_).st_size, 0);
   EXPECT_FALSE(owner.restore());
-  EXPECT_EQ(statusOf(path_).st_mode & 07777, 0664U);
+  EXPECT_EQ(fileStatus(path_).st_mode & 07777, 0664U);
 }
 
 TEST_F(Owner, LeavesALinkAndItsTargetAlone) {
@@ -52,11 +52,11 @@ TEST_F(Owner, LeavesALinkAndItsTargetAlone) {
   ASSERT_EQ(::symlink(target.c_str(), path_.c_str()), 0);
   const SettingsOwner owner(path_);
   EXPECT_FALSE(owner.restore());
-  EXPECT_EQ(statusOf(target).st_mode & 07777, 0600U);
-  EXPECT_TRUE(S_ISLNK(statusOf(path_).st_mode));
+  EXPECT_EQ(fileStatus(target).st_mode & 07777, 0600U);
+  EXPECT_TRUE(S_ISLNK(fileStatus(path_).st_mode));
 }
 
-TEST_F(Owner, FollowsNoLinkThatTookThePlaceOfTheFile) {
+TEST_F(Owner, DoesNotFollowALinkThatReplacedTheFile) {
   folder_.write("daemon.settings.xml", "old");
   ::chmod(path_.c_str(), 0664);
   const SettingsOwner owner(path_);
@@ -65,10 +65,10 @@ TEST_F(Owner, FollowsNoLinkThatTookThePlaceOfTheFile) {
   ::unlink(path_.c_str());
   ASSERT_EQ(::symlink(target.c_str(), path_.c_str()), 0);
   EXPECT_TRUE(owner.restore());
-  EXPECT_EQ(statusOf(target).st_mode & 07777, 0600U);
+  EXPECT_EQ(fileStatus(target).st_mode & 07777, 0600U);
 }
 
-TEST_F(Owner, DoesNotMindAFileThatIsGoneOrAFolderThatNeverWas) {
+TEST_F(Owner, IgnoresAFileThatIsGoneAndAMissingFolder) {
   folder_.write("daemon.settings.xml", "old");
   const SettingsOwner owner(path_);
   ::unlink(path_.c_str());

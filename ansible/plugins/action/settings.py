@@ -21,8 +21,8 @@ ARGUMENTS: dict[str, dict[str, Any]] = {
     },
 }
 REPORT_KEYS = {"changed", "before", "after", "wanted", "problems"}
-AS_ASKED, NOT_AS_ASKED = 0, 1
-# What the shell says of a file that is not executable or not there.
+AS_REQUESTED, NOT_AS_REQUESTED = 0, 1
+# What a shell returns for a file that is not executable, or missing.
 NOT_STARTED = (126, 127)
 
 
@@ -38,7 +38,7 @@ def command(verb: str, arguments: dict[str, Any]) -> str:
 
 
 def find_report(output: str) -> dict[str, Any] | None:
-    """The report is one line, the last of all. On a terminal, everything else comes before it."""
+    """The report is the last line. On a terminal, all other output comes before it."""
     for line in reversed(output.splitlines()):
         try:
             report = json.loads(line)
@@ -57,7 +57,7 @@ def failure_without_report(executable: str, status: int, output: str) -> str:
 
 
 class ActionModule(ActionBase):
-    """check in check mode, apply otherwise."""
+    """Runs check in check mode, apply otherwise."""
 
     _supports_check_mode = True
     _supports_async = False
@@ -79,7 +79,7 @@ class ActionModule(ActionBase):
             message = failure_without_report(arguments["executable"], status, output)
             return result | {"failed": True, "rc": status, "msg": message}
         result |= report | {"failed": False, "rc": status}
-        if status not in ((AS_ASKED, NOT_AS_ASKED) if checks else (AS_ASKED,)):
+        if status not in ((AS_REQUESTED, NOT_AS_REQUESTED) if checks else (AS_REQUESTED,)):
             problems = "; ".join(report["problems"]) or f"configure-agent: status {status}"
             result |= {"failed": True, "msg": problems}
         elif checks and arguments["force"]:

@@ -6,7 +6,7 @@ short_description: Points the management agent of a Mac at its server
 description:
   - Runs the utility's C(configure-agent) on the Mac, which does what Apply does in the settings
     window. It stops the agent's jobs, replaces C(server.plist) and starts the jobs again, but only
-    if something is not as asked.
+    if something is not as requested.
   - Needs no Python on the Mac. Set C(gather_facts=false) in the play.
   - Needs root, so set C(become=true).
 options:
@@ -15,17 +15,17 @@ options:
     type: str
     required: true
   port:
-    description: Port of the server. If not set, the stored port, or 6000.
+    description: Port of the server. Default is the stored port, else 6000.
     type: int
   language:
-    description: Language code of the agent's user interface. If not set, the stored language.
+    description: Language code of the agent's user interface. Default is the stored language.
     type: str
   reset:
-    description: Also deletes the agent's old settings files, if something is not as asked.
+    description: When applying, also deletes the agent's own settings files and has it regenerate them.
     type: bool
     default: false
   force:
-    description: Acts even if everything is as asked.
+    description: Applies even if everything is as requested.
     type: bool
     default: false
   executable:
@@ -66,11 +66,11 @@ after:
   returned: if configure-agent ran
   type: dict
 wanted:
-  description: Settings and jobs as asked.
+  description: The requested settings.
   returned: if configure-agent ran
   type: dict
 problems:
-  description: What is not as asked, or what went wrong.
+  description: What is not as requested, or what went wrong.
   returned: if configure-agent ran
   type: list
   elements: str
