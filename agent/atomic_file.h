@@ -6,9 +6,9 @@
 
 namespace agent {
 
-/// Replaces the file at `path` as a whole: a reader sees the old content or the new one, never a
-/// part and never no file. The new content goes to a temporary file in the same folder, is flushed
-/// to the disk, and is then renamed over the target.
+/// Replaces the file at `path` as a whole: a reader sees the old content or the new, never a part
+/// of either and never a missing file. The new content goes to a temporary file in the same folder,
+/// is flushed to the disk, and is then renamed over the target.
 ///
 /// An existing file keeps its permissions; a new one gets 0644. A symbolic link at `path` is itself
 /// replaced, never followed: somebody who places a link there must not choose what is overwritten.

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <memory>
 
-// POSIX leaves the declaration to the program; glibc has one all the same.
+// POSIX leaves the declaration to the program; glibc declares it anyway.
 extern char **environ;  // NOLINT(readability-redundant-declaration)
 
 namespace agent {
@@ -35,7 +35,7 @@ void checkErrno(int result, const char *call) {
 }
 
 void setCloseOnExec(int descriptor) {
-  // Another thread of the platform may have closed it since it was listed: nothing to inherit then.
+  // EBADF: another thread has closed it since it was listed; nothing is left to inherit.
   if (::fcntl(descriptor, F_SETFD, FD_CLOEXEC) == -1 && errno != EBADF) fail(errno, "fcntl");
 }
 
@@ -121,7 +121,7 @@ ShellStart::ShellStart(const std::string &shell, const std::string &command)
     : shell_(shell), command_(command) {
   sigset_t every;
   sigset_t none;
-  sigfillset(&every);  // macros on macOS, so without a scope
+  sigfillset(&every);  // macros on macOS, hence no "::"
   sigemptyset(&none);
   check(::posix_spawnattr_setsigdefault(&attributes_.value, &every),
         "posix_spawnattr_setsigdefault");

@@ -8,8 +8,8 @@
 #include <system_error>
 
 /// Starting a shell as a child process. Every system call is checked: one that fails throws
-/// std::system_error, whose text names the call and the cause ("pipe: Too many open files") and
-/// holds nothing of the command. Unless it is the NoResult below, no command was run.
+/// std::system_error, whose text names the call and the cause ("pipe: Too many open files") but
+/// nothing of the command. Unless it is the NoResult below, no command was run.
 namespace agent {
 
 /// The command was or may have been started, but how it ended or what it wrote is not known.
@@ -36,19 +36,19 @@ class Pipe {
 };
 
 /// One start of a shell with one command, as the argument of "-c" and without escaping. The child
-/// has default handling of every signal, none blocked, and of our descriptors only the standard
-/// streams. Both strings must outlive this object.
+/// handles every signal by default and blocks none, and inherits only the standard streams. Both
+/// strings must outlive this object.
 class ShellStart {
  public:
   ShellStart(const std::string &shell, const std::string &command);
 
-  /// Both output streams of the child go there.
+  /// Sends both output streams of the child to the pipe.
   void sendOutputTo(const Pipe &pipe);
 
   /// Starts a child that must be waited for.
   [[nodiscard]] pid_t start() const;
 
-  /// Starts a process that is not our child, so that it leaves no zombie however long we live.
+  /// Starts a process that is not our child, so that it leaves no zombie however long we run.
   /// Throws NoResult when it is not known whether it started.
   void startDetached() const;
 
@@ -78,7 +78,7 @@ class ShellStart {
   FileActions actions_;
 };
 
-/// Waits for exactly that child, also when signals arrive. Returns its exit status, or the number
+/// Waits for exactly that child, even if signals arrive. Returns its exit status, or the number
 /// of the signal that ended it. Throws NoResult.
 [[nodiscard]] int waitForChild(pid_t child);
 

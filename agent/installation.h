@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// Where the agent is installed. `oem` names the edition; an unknown value takes the first
+/// Where the agent is installed. `oem` names the edition; an unknown value means the first
 /// edition's folder.
 namespace agent {
 

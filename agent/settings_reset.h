@@ -5,8 +5,8 @@
 #include "agent/accounts.h"
 
 /// The agent's own settings files, in the edition's install folder. `oem` names the edition; an
-/// unknown value takes the first edition's folder. The result of an operation is not reported, as
-/// required; what its commands print goes to the program's own streams.
+/// unknown value means the first edition's folder. Required: the operations do not report a result.
+/// What their commands print goes to the program's own streams.
 namespace agent {
 
 /// The daemon's settings file.

@@ -8,7 +8,7 @@ namespace agent {
 inline constexpr const char *kBash = "/bin/bash";
 inline constexpr const char *kSh = "/bin/sh";
 
-/// What is connected, whether the call waits, and which field of the result is filled. Standard
+/// Where output goes, whether the call waits, and which field of the result is filled. Standard
 /// input is always the program's own.
 enum class ShellMode {
   Capture,     ///< both output streams in one pipe, waits; fills `text`
@@ -23,7 +23,7 @@ enum class ShellOutcome {
   NoResult,    ///< the command was or may have been started; its status or output is not known
 };
 
-/// The status of a command that gave none: that of a shell which cannot find a command.
+/// The status for a command that gave none: what a shell returns for an unknown command.
 inline constexpr std::int32_t kNoExitStatus = 127;
 
 struct ShellResult {
@@ -38,10 +38,10 @@ struct ShellResult {
 /// starts a process. The child gets default signal handling and only the three standard streams;
 /// when that cannot be arranged, nothing is run.
 ///
-/// Capture waits for the exit first and reads afterwards, so a command that writes more than the
-/// pipe holds never ends: required; the commands run this way print a line or nothing. Output that
-/// is not UTF-8 stops the program. Every other failure to run a command or to get its result is
-/// reported to the error log, which names the shell and the system call, never the command.
+/// Required: Capture waits for the exit first and reads afterwards, so a command that writes more
+/// than the pipe holds never ends. The commands run this way print a line or nothing. Output that
+/// is not UTF-8 stops the program. Every other failure to run a command or to get its result goes
+/// to the error log, which names the shell and the system call, never the command.
 [[nodiscard]] ShellResult runShellCommand(const std::string &shell, const std::string &command,
                                           ShellMode mode);
 

@@ -31,9 +31,9 @@
 /// Ends the program.
 - (IBAction)CancelAction:(id)sender;
 
-/// Sets the current language to the stored one, which is the system's, narrowed to English or
-/// French, where server.plist has none; an unknown code gives English. Translates the login window
-/// into it; without a catalogue the window stays as it is.
+/// Sets the current language: the one that server.plist names, or English for an unknown code; if
+/// it names none, the system's, narrowed to English or French. Translates the login window into
+/// that language; without a catalogue the window stays as it is.
 - (void)translate;
 
 @end

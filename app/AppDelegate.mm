@@ -65,17 +65,17 @@ static ServerWindowController *theServerWindow = nil;
   [username setStringValue:@""];
   [password setStringValue:@""];
   [username becomeFirstResponder];
-  // The rejected name and password stay in the statics until the next attempt: required.
+  // Required: the rejected name and password stay in the statics until the next attempt.
 }
 
 - (void)showServerWindow {
   // Created first: without its interface file the program stops, before anything is hidden. The
   // file is loaded only when the controller is asked for its window.
   if (theServerWindow == nil) theServerWindow = [[ServerWindowController alloc] init];
-  // Hidden, not closed or released: required.
+  // Required: hidden, not closed or released.
   [OUTLET(window) setIsVisible:NO];
-  // The window is made visible, then shown, and translated a third time after the two translations
-  // of its load: required.
+  // Required: the window is made visible, then shown, and translated once more although loading it
+  // has translated it twice.
   [[theServerWindow window] setIsVisible:YES];
   [theServerWindow showWindow:nil];
   [theServerWindow translate];

@@ -2,8 +2,8 @@
 
 #import <AppKit/AppKit.h>
 
-/// The content view of both windows, named in their interface files. The main menu is empty, and
-/// with it go the shortcuts of its Edit and Quit items: this view answers them instead and sends
-/// Command-X, C, V, A and Z to whatever has the keyboard and Command-Q to the application.
+/// The content view of both windows, named in their interface files. The main menu is empty, so its
+/// Edit and Quit items provide no shortcuts. This view handles them instead: it sends Command-X, C,
+/// V, A and Z to whatever has the keyboard focus, and Command-Q to the application.
 @interface EditingKeysView : NSView
 @end

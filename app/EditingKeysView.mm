@@ -1,13 +1,13 @@
 #import "app/EditingKeysView.h"
 
-/// What windows and text views answer, though no header of AppKit declares it.
+/// Windows and text views respond to it, though no AppKit header declares it.
 @protocol UndoAction
 - (void)undo:(id)sender;
 @end
 
 namespace {
 
-/// The action of a shortcut; nil when this view does not answer the key.
+/// The action of a shortcut; null for a key that this view does not handle.
 SEL actionForKey(NSString *key) {
   const struct {
     NSString *key;
@@ -21,7 +21,7 @@ SEL actionForKey(NSString *key) {
   return nullptr;
 }
 
-/// Caps Lock does not make another shortcut of it; Shift, Control and Option do.
+/// Shift, Control or Option would make it a different shortcut; Caps Lock does not.
 bool isCommandAlone(NSEvent *event) {
   constexpr NSUInteger kShortcutModifiers = NSEventModifierFlagCommand | NSEventModifierFlagShift |
                                             NSEventModifierFlagControl | NSEventModifierFlagOption;
@@ -42,7 +42,7 @@ bool isCommandAlone(NSEvent *event) {
   return [super performKeyEquivalent:event];
 }
 
-/// A secure field neither copies nor cuts. Not every field editor sees to that by itself.
+/// A secure field must not copy or cut. Not every field editor ensures that by itself.
 - (BOOL)wouldRevealPassword:(SEL)action {
   if (action != @selector(cut:) && action != @selector(copy:)) return NO;
   NSResponder *responder = [[self window] firstResponder];

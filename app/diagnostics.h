@@ -6,8 +6,8 @@
 namespace app {
 
 /// Makes a write to a pipe or socket without a reader fail, instead of ending the process by
-/// SIGPIPE. Comes first in `main`: when the reader of the program's output leaves in the middle of
-/// Apply, the program must still start the jobs that it stopped.
+/// SIGPIPE. Call it first in `main`: if the reader of the program's output goes away in the middle
+/// of Apply, the program must still start the jobs that it stopped.
 void ignoreBrokenPipes();
 
 /// Writes one status message and a newline to standard output and flushes it, so that it appears in

@@ -44,11 +44,11 @@ struct Edition {
   std::string_view profileIdentifier;  ///< bundle identifier of the agent's management profile
   OfferedLanguages languages;
   std::size_t initialLanguageItem;  ///< pop-up item selected before the stored settings are read
-  i18n::Language fallback;          ///< taken for a stored code that the edition does not offer
-  bool showsNotAdminMessageInAllLanguages;  ///< the start-up refusal; else in English and French
+  i18n::Language fallback;          ///< used for a stored code that the edition does not offer
+  bool showsNotAdminMessageInAllLanguages;  ///< else in English and French
 };
 
-/// Every edition; the first row is the default of lookups that need one. A new edition is one
+/// Every edition. Lookups that need a default use the first row. A new edition is one
 /// `EditionId` and one row here, and one `changeLanguage` method in the settings window; the
 /// compiler reports whichever is missing.
 inline constexpr auto kEditions = std::to_array<Edition>({

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-/// What C++20 cannot say about an enumeration. For those whose values count from 0 without a gap.
+/// What C++20 cannot say about an enumeration. Its values must count up from 0 without a gap.
 namespace app {
 namespace detail {
 
@@ -25,8 +25,8 @@ constexpr std::size_t countEnumerators() {
   }
 }
 
-/// Whether a table has exactly one row for each value, in their order. Every table by language or
-/// edition asserts it, so that it does not compile without the row of a new one:
+/// Whether a table has exactly one row for each value, in the same order. Every table by language
+/// or edition asserts it, so that a new value does not compile until each table has a row for it:
 ///
 ///   static_assert(hasRowForEach(kCodes, &CodeRow::lang));
 template <class Rows, class Row, class Enum>

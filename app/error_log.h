@@ -9,7 +9,7 @@ namespace app {
 /// message up to its first NUL character, a newline. For errors that the user is not shown.
 void printErrorLog(const std::string &message);
 
-/// The time stamp of such a line at that moment, in the process's locale and time zone.
+/// The time stamp of such a line, in the process's locale and time zone.
 std::string errorLogTime(std::chrono::system_clock::time_point moment);
 
 }  // namespace app

@@ -5,7 +5,7 @@
 namespace app {
 
 /// Name of the user who owns the console, as a shell command prints it: with the trailing newline,
-/// and with what the command prints on standard error.
+/// and with the command's standard error.
 std::string getloggedInUser();
 
 /// Whether that user may use the program, as a member of the local group "admin". Every failure of

@@ -20,7 +20,7 @@ ODRecord *findRecord(ODNode *node, ODRecordType type, NSString *name) {
   return [node recordWithRecordType:type name:name attributes:nil error:NULL];
 }
 
-// A nil group record answers no.
+// Without the group the record is nil, and the answer NO.
 bool isInAdminGroup(ODNode *node, ODRecord *user) {
   ODRecord *group = findRecord(node, kODRecordTypeGroups, @"admin");
   return [group isMemberRecord:user error:NULL];

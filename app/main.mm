@@ -39,7 +39,7 @@ int main(int argc, const char *argv[]) {
     [pool drain];
     return 0;
   }
-  // From argv: the platform's own list lacks the arguments that the platform takes for itself.
+  // From argv: the platform's own list lacks the arguments that the platform itself interprets.
   app::appStatics().consoleUser = settings::consoleUserFromArguments({argv, argv + argc});
   AppDelegate *delegate = [[AppDelegate alloc] init];
   [[NSApplication sharedApplication] setDelegate:delegate];

@@ -5,7 +5,7 @@
 namespace app {
 
 /// Activates the application and runs an alert that informs the user that they are not a local
-/// administrator. Returns when its Quit button was pressed. Main thread only.
+/// administrator. Returns when its Quit button is pressed. Main thread only.
 void showNotAdminAlert(const std::string &appName, const std::string &username);
 
 }  // namespace app

@@ -6,8 +6,8 @@
 
 namespace app {
 
-/// The control itself. Stops the process when the outlet is not connected: a message to nil would
-/// do nothing, and a control that is silently left out is worse than a program that stops.
+/// Returns the control. Stops the process if the outlet is not connected: a message to nil would do
+/// nothing, and a control that is silently skipped is worse than a program that stops.
 template <class Control>
 Control *requiredOutlet(Control *control, const char *name) {
   if (control == nullptr) fatalError(std::string("outlet ") + name + " is not connected");

@@ -3,7 +3,7 @@
 namespace app {
 
 /// Registers this program's defaults for settings of the platform. The platform may read them while
-/// the application object is created, so this comes before. The user's own settings still win.
+/// it creates the application object, so call this before. The user's own settings still win.
 void registerUserDefaults();
 
 }  // namespace app

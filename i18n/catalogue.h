@@ -9,7 +9,7 @@
 namespace i18n {
 
 /// The decoded translation catalogue: one `Info` per language. Field names are the keys of
-/// translate.json, character for character; every field is required there, also those that no
+/// translate.json, character for character; every field is required there, even those that no
 /// window shows. Strings are UTF-8 and may be empty. The order of the entries is not that of the
 /// enum `Language`. Required: do not align the two.
 struct JsonData {

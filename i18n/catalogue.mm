@@ -13,20 +13,20 @@ namespace {
 
 using Info = JsonData::Info;
 
-/// A required key of an object and the field that takes its value.
+/// A required key of a JSON object, and the field for its value.
 template <class Record>
 struct Key {
   const char *name;
   std::string Record::*field;
 };
 
-/// Whether no field of the record was forgotten.
+/// Whether every field of the record has a key.
 template <class Record, std::size_t kCount>
 constexpr bool hasKeyPerField(const std::array<Key<Record>, kCount> &) {
   return sizeof(Record) == kCount * sizeof(std::string);
 }
 
-/// The entry of a language, with what every key has.
+/// A language, the key of its entry, and the field for that entry.
 struct LanguageKey {
   Language lang;
   const char *name;
@@ -96,12 +96,12 @@ std::string jsonTypeName(id value) {
   if ([value isKindOfClass:[NSString class]]) return "a string";
   if ([value isKindOfClass:[NSDictionary class]]) return "an object";
   if ([value isKindOfClass:[NSArray class]]) return "an array";
-  // Platforms differ in the type letter of a boolean, none uses these for a number.
+  // Platforms differ in the type letter of a boolean; none uses any of these for a number.
   const std::string_view type = [value objCType];
   return type == "c" || type == "C" || type == "B" ? "a boolean" : "a number";
 }
 
-/// Copies a decoded JSON tree into the record; remembers the first error and its place.
+/// Copies a decoded JSON tree into the record, up to the first error.
 class Decoder {
  public:
   const std::string &error() const { return error_; }
@@ -166,7 +166,7 @@ class Decoder {
 };
 
 std::string describe(NSError *error) {
-  // Where the parser stopped is in the debug description, if there is one.
+  // The debug description, if there is one, says where the parser stopped.
   NSString *text = [[error userInfo] objectForKey:@"NSDebugDescription"];
   return app::utf8(text != nil ? text : [error localizedDescription]);
 }
@@ -200,7 +200,7 @@ DecodedCatalogue decodeCatalogue(std::string_view json) {
 
 std::optional<JsonData> getLanguageLabel() {
   @autoreleasepool {
-    // Not pathForResource:ofType:, which may take a file that cannot be read for a missing one.
+    // Not pathForResource:ofType:, for which an unreadable file may count as missing.
     NSString *path =
         [[[NSBundle mainBundle] resourcePath] stringByAppendingPathComponent:@"translate.json"];
     if (![[NSFileManager defaultManager] fileExistsAtPath:path]) {

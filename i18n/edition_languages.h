@@ -21,12 +21,12 @@ struct LanguageChoice {
 };
 
 /// What the edition selects for a stored code: that language if the edition offers it, else the
-/// edition's fallback, as for codes that are unknown, empty or in capitals.
+/// edition's fallback, also for codes that are unknown, empty or in capitals.
 LanguageChoice choiceForCode(const app::Edition &edition, std::string_view code);
 
 /// The language of the selected item (-1 when there is none). Required: items beyond what the
-/// edition offers, and every item of an unknown `oem`, count as those of the full pop-up; an item
-/// outside of that is English.
+/// edition offers, and every item of an unknown `oem`, count as items of the full pop-up; an item
+/// outside that one is English.
 Language languageFromItem(std::string_view oem, int item);
 
 }  // namespace i18n

@@ -7,14 +7,14 @@
 #include "i18n/catalogue.h"
 #include "i18n/language.h"
 
-/// The strings of the settings window, derived from the catalogue; the controller only puts them in
-/// place.
+/// The strings of the settings window, derived from the catalogue. The controller only assigns them
+/// to its controls.
 namespace i18n {
 
-/// What the last connection test has found.
+/// What the last connection test found.
 enum class TestResult { NotTested, Reachable, Unreachable };
 
-/// The result as a tool tip and for speech, which says what the status image shows.
+/// The result in words, for the tool tip of the status image and for VoiceOver.
 std::string testResultString(TestResult result, Language lang);
 
 /// What the settings window shows, captions with their colons.

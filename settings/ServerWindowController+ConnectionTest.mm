@@ -50,7 +50,7 @@ NSString *imageNameFor(i18n::TestResult result) {
   testResult = result;
   [OUTLET(testStatus) setImage:[NSImage imageNamed:imageNameFor(result)]];
   [self describeTestResult];
-  // Now: the command blocks the window, which would go on showing the previous result.
+  // At once: the command blocks the window, which would go on showing the previous result.
   [testStatus display];
 }
 

@@ -8,8 +8,8 @@
 #include "i18n/window_strings.h"
 
 /// The settings window: shows the stored settings and starts the actions on them. Its interface
-/// file is "ServerWindowController". Created once, after the first successful login; lives to the
-/// end of the process. Main thread only; every action blocks until its commands have ended.
+/// file is "ServerWindowController". Created once, after the first successful login; lives until
+/// the end of the process. Main thread only; every action blocks until its commands have ended.
 @interface ServerWindowController : NSWindowController {
   IBOutlet NSTextFieldCell *setting_label;
   IBOutlet NSTextField *language_label;
@@ -20,7 +20,7 @@
   IBOutlet NSTextField *port_label;
   IBOutlet NSTextField *port;
   IBOutlet NSButton *reset_settings;
-  IBOutlet NSButton *MDM_profile;      ///< shows, is never editable
+  IBOutlet NSButton *MDM_profile;      ///< read-only
   IBOutlet NSPopUpButton *testChoice;  ///< item 1: port test; else ping
   IBOutlet NSButton *TestButton;
   IBOutlet NSImageView *testStatus;
@@ -31,7 +31,7 @@
 }
 
 /// Fills server and port from server.plist and selects its language by the rule of the edition with
-/// that title. Without a record: the default port and nothing else.
+/// that title. Without a local Library folder, sets only the default port.
 - (void)updateUI:(NSString *)appName;
 
 /// Shows the controls that start hidden.
@@ -60,7 +60,8 @@
 /// in its field, and no command runs.
 - (IBAction)TestAction:(id)sender;
 
-/// Says the result in the current language, as tool tip and spoken description of `testStatus`.
+/// Puts the result into the tool tip and spoken description of `testStatus`, in the current
+/// language.
 - (void)describeTestResult;
 
 @end
@@ -78,8 +79,8 @@
 /// Shows the strings of the current language. Without a catalogue they stay as they are.
 - (void)translate;
 
-/// Select the item of a stored language code and make its language the current one, by the rule of
-/// that edition. They translate nothing.
+/// Selects the item for a stored language code and makes its language the current one, by the rule
+/// of that edition. Does not translate.
 - (void)changeLanguageOskel:(NSString *)language;
 - (void)changeLanguageZentavo:(NSString *)language;
 - (void)changeLanguageFennrow:(NSString *)language;

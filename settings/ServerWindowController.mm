@@ -14,7 +14,7 @@
 
 - (id)init {
   self = [self initWithWindowNibName:@"ServerWindowController"];
-  // A later failure to load it would be an exception, which the application's loop swallows.
+  // If it failed later, while loading, the application's loop would swallow the exception.
   if ([self windowNibPath] == nil) {
     app::fatalError("interface file ServerWindowController is missing from the bundle");
   }

@@ -24,14 +24,14 @@ struct ApplyRequest {
   bool profile = false;
   bool reset_settings = false;
   agent::Credentials administrator;
-  /// Looked up by commands when nothing is given.
+  /// Looked up by commands if not given.
   std::optional<agent::ConsoleUser> consoleUser;
   /// Nobody is logged in at the console: the per-user job is neither stopped nor started, since
-  /// there is no domain of a user to start it in. `consoleUser` is ignored.
+  /// there is no user's domain to start it in. `consoleUser` is ignored.
   bool nobodyAtConsole = false;
 };
 
-/// What cannot be seen in the system afterwards.
+/// What the state of the system does not show afterwards.
 struct ApplyOutcome {
   std::error_code write;  ///< of server.plist
   /// Whether the job was loaded by this run. One that refused to stop is still loaded, with the
@@ -52,10 +52,10 @@ std::string lookUpConsoleUserName();
 std::string lookUpUserId(const std::string &user);
 
 /// Stops the agent's launchd jobs that are loaded, writes server.plist, resets the agent's settings
-/// if asked, and loads the jobs that are not loaded. The per-user job stops first and starts last.
-/// Blocks to the end and never skips a step because an earlier one failed; the operations report
-/// failures in their status messages and the error log. Killed in between, it leaves the jobs
-/// stopped.
+/// on request, and loads the jobs that are not loaded. The per-user job stops first and starts
+/// last. Blocks to the end and never skips a step because an earlier one failed; the operations
+/// report failures in their status messages and the error log. If the program is killed in between,
+/// the jobs stay stopped.
 ApplyOutcome applySettings(const ApplyRequest &request);
 
 }  // namespace settings

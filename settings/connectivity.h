@@ -5,7 +5,7 @@
 /// The connection test. Both operations run one command with the program's own rights and wait for
 /// it, without a time limit of their own; true when it exited with status 0. The server is inserted
 /// between double quotes as typed. Required: it is not escaped, so in host-name mode the shell
-/// reads it as it would typed text.
+/// interprets it.
 namespace settings {
 
 /// Whether the server answers one ICMP echo.

@@ -14,7 +14,7 @@ struct ServerData {
   bool operator==(const ServerData &) const = default;
 };
 
-/// What server.plist holds, each value only if it is of the right type. UTF-8.
+/// What server.plist holds, each value only if it is of the right type. Strings are UTF-8.
 struct StoredValues {
   std::optional<std::string> language;
   std::optional<std::string> server;
@@ -23,8 +23,8 @@ struct StoredValues {
   bool operator==(const StoredValues &) const = default;
 };
 
-/// Reads server.plist as it is. No values from a file that is missing, malformed or not a regular
-/// file, or when the platform reports no local Library folder.
+/// Reads server.plist without filling in defaults. Returns no values for a file that is missing,
+/// malformed or not regular, or if the platform reports no local Library folder.
 StoredValues getStoredValues();
 
 /// The same for the file at `path`.

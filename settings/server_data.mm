@@ -36,8 +36,8 @@ bool isNumber(id value, std::string_view typeLetters) {
   return type.size() == 1 && typeLetters.find(type) != std::string_view::npos;
 }
 
-// Only a property-list integer is a port. The type letter tells it from a boolean (c, C, B) and a
-// real (f, d); numbers beyond 64 bits show as the platform gives them.
+// Only a property-list integer is a port. The type letter distinguishes it from a boolean (c, C,
+// B) and a real (f, d). Numbers beyond 64 bits are shown as the platform gives them.
 std::optional<std::string> integerValue(id value) {
   if (!isNumber(value, "silqSILQ")) return std::nullopt;
   return app::utf8([value stringValue]);

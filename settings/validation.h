@@ -5,11 +5,11 @@
 
 namespace settings {
 
-/// Put back wherever a port is missing or invalid.
+/// Replaces a missing or invalid port.
 inline constexpr std::string_view kDefaultPort = "6000";
 
-/// Whether the whole text is a decimal number from 0 to 65535, with at most one sign. It is
-/// required that "0", "+80" and "-0" are ports.
+/// Whether the whole text is a decimal number from 0 to 65535, with at most one sign.
+/// Required: "0", "+80" and "-0" are ports.
 bool isPort(std::string_view text);
 
 /// Whether the system's address converter accepts the text, up to its first NUL, as dotted-decimal
