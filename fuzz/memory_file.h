@@ -10,7 +10,7 @@
 
 namespace fuzz {
 
-/// A regular file in memory that has a path.
+/// A regular file in memory, with a path.
 class MemoryFile {
  public:
   explicit MemoryFile(std::string_view content) : descriptor_(::memfd_create("fuzz", MFD_CLOEXEC)) {

@@ -17,7 +17,7 @@
 
 namespace {
 
-/// The arguments are the parts between the newlines.
+/// The arguments are separated by newlines.
 std::vector<std::string> argumentsIn(std::string_view text) {
   std::vector<std::string> arguments;
   while (!text.empty()) {
@@ -51,11 +51,11 @@ bool offers(const app::Edition &edition, const std::string &code) {
 void checkAccepted(const cli::Options &options, const app::Edition &edition) {
   const bool acts = options.verb == cli::Verb::Apply;
   const bool compares = acts || options.verb == cli::Verb::Check;
-  fuzz::check(options.server.has_value() == compares, "a server without need, or none");
+  fuzz::check(options.server.has_value() == compares, "an unneeded server, or a missing one");
   fuzz::check(!options.server || isHarmlessServer(*options.server), "server");
   fuzz::check(!options.port || (compares && isPlainPort(*options.port)), "port");
   fuzz::check(!options.language || (compares && offers(edition, *options.language)), "language");
-  fuzz::check(acts || (!options.reset && !options.force), "an act without apply");
+  fuzz::check(acts || (!options.reset && !options.force), "--reset or --force without apply");
 }
 
 void checkReport(const std::string &problem, const cli::Options &options) {

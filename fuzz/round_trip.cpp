@@ -1,5 +1,5 @@
-// The reader returns what the writer wrote into server.plist: every string without XML's special
-// characters unchanged. With them the reader still gives a complete record.
+// The reader returns what the writer wrote into server.plist: strings without XML's special
+// characters come back unchanged. With them, the reader still gives a complete record.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -14,8 +14,8 @@
 
 namespace {
 
-/// What a property list holds unchanged: no mark-up, no control characters. GNUstep drops U+FEFF at
-/// the start of a string, which it takes for a byte order mark.
+/// What a property list holds unchanged: no mark-up, no control characters. GNUstep takes U+FEFF
+/// at the start of a string for a byte order mark and drops it.
 bool isPlainText(std::string_view text) {
   for (const char c : text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == '&' || c == '<' || c == '>') return false;

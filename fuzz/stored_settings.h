@@ -9,7 +9,7 @@
 
 namespace fuzz {
 
-/// Reads those bytes as server.plist and checks what is true of every record.
+/// Reads the bytes as server.plist and checks what must be true of every record.
 inline settings::ServerData readStoredSettings(std::string_view bytes) {
   settings::ServerData data = settings::readServerData(MemoryFile(bytes).path());
   check(!data.language.empty(), "no language");

@@ -1,5 +1,5 @@
 // Input validation: ports against an independent grammar; addresses, which the system's converter
-// decides, against what is true of every valid one.
+// checks, against properties that every valid one has.
 
 #include "settings/validation.h"
 

@@ -6,7 +6,7 @@
 
 namespace doubles {
 
-/// Sets one environment variable for as long as it lives.
+/// Sets one environment variable for as long as this object lives.
 class EnvironmentVariable {
  public:
   EnvironmentVariable(const char *name, const char *value) : name_(name) {

@@ -8,10 +8,10 @@
 /// the C library's own x as __real_x (option --wrap, which Apple's linker does not have).
 namespace doubles {
 
-/// Instead of an error number: ends the process.
+/// An `error` that ends the process instead.
 inline constexpr int kEndsTheProcess = -1;
 
-/// Which call fails, at which of its uses, and with which error number.
+/// Which call fails, on which use of it, and with which error number.
 struct Fault {
   std::string_view call = {};
   int error = 0;
@@ -19,7 +19,7 @@ struct Fault {
   bool happened = false;
 };
 
-/// The one fault, and the calls made since a test emptied the list.
+/// The current fault, and the calls made since a test emptied the list.
 struct FailingCalls {
   Fault fault;
   std::vector<std::string> made;
@@ -27,7 +27,7 @@ struct FailingCalls {
 
 FailingCalls &failingCalls();
 
-/// Records the call. The error number for this use of it; 0 lets it through.
+/// Records the call and returns the error number for this use of it; 0 lets it through.
 int errorFor(std::string_view call);
 
 /// The same for a call that sets errno.

@@ -4,7 +4,7 @@
 
 namespace doubles {
 
-/// Replaces one Objective-C method for as long as it lives.
+/// Replaces one Objective-C method for as long as this object lives.
 class InterceptedMethod {
  public:
   static InterceptedMethod ofInstances(Class type, SEL name, IMP replacement) {

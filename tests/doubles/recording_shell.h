@@ -7,7 +7,7 @@
 #include "agent/shell.h"
 
 /// Replaces the real shell: records every command in order, runs none, and returns what a test
-/// says.
+/// tells it to.
 namespace doubles {
 
 struct RecordedCommand {

@@ -56,7 +56,7 @@ class Signals {
 
 long openDescriptors() { return std::distance(std::filesystem::directory_iterator("/dev/fd"), {}); }
 
-/// The most memory that the process ever had, in the system's unit: kB, or bytes on macOS.
+/// The most memory that the process has ever used: in kB, or on macOS in bytes.
 long peakMemory() {
   rusage usage{};
   ::getrusage(RUSAGE_SELF, &usage);
@@ -79,7 +79,7 @@ void callOnce(ShellMode mode, int i) {
 
 class TenThousandCommands : public testing::TestWithParam<ShellMode> {};
 
-TEST_P(TenThousandCommands, LeaveNoDescriptorNoChildAndNoMemoryWhateverSignalsArrive) {
+TEST_P(TenThousandCommands, LeakNoDescriptorChildOrMemoryWhileSignalsArrive) {
   const Signals signals;
   for (int i = 0; i < kCallsToWarmUp; ++i) ASSERT_NO_FATAL_FAILURE(callOnce(GetParam(), i));
   const long descriptors = openDescriptors();

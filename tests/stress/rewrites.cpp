@@ -1,4 +1,4 @@
-// server.plist is rewritten while another process keeps reading it.
+// Rewrites server.plist while another process keeps reading it.
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>

@@ -141,7 +141,7 @@ TEST_F(Apply, LeavesThePerUserJobAloneWhenNobodyIsAtTheConsole) {
   EXPECT_FALSE(outcome_.agentStarted);
 }
 
-TEST_F(Apply, TellsWhichJobsItHasLoaded) {
+TEST_F(Apply, ReportsWhichJobsItLoaded) {
   apply();
   EXPECT_FALSE(outcome_.write);
   EXPECT_TRUE(outcome_.daemonStarted && outcome_.agentStarted);
@@ -150,7 +150,7 @@ TEST_F(Apply, TellsWhichJobsItHasLoaded) {
   EXPECT_FALSE(outcome_.daemonStarted || outcome_.agentStarted);
 }
 
-TEST_F(Apply, StopsNoJobThatIsNotLoadedAndStartsBoth) {
+TEST_F(Apply, SkipsStoppingJobsThatAreNotLoadedAndStartsBoth) {
   agentLoaded_ = daemonLoaded_ = false;
   EXPECT_EQ(apply(), (Lines{kCheckAgent, kCheckDaemon, kCheckDaemon, kStartDaemon, kCheckAgent,
                             kStartAgent}));
@@ -204,7 +204,7 @@ TEST_F(Apply, ContinuesWhenTheFileCannotBeWritten) {
 
 using ApplyDeathTest = Apply;
 
-TEST_F(ApplyDeathTest, RunsToTheLastCommandWhenTheReaderOfItsOutputHasLeft) {
+TEST_F(ApplyDeathTest, RunsToTheLastCommandWhenTheReaderOfItsOutputIsGone) {
   EXPECT_EXIT(applyWithoutAReaderOfTheOutput(request_), testing::ExitedWithCode(8), "");
 }
 

@@ -96,11 +96,11 @@ const char *nameFor(ShellMode mode) {
 constexpr ShellMode kModes[] = {ShellMode::Capture, ShellMode::Status, ShellMode::WaitOnly,
                                 ShellMode::LaunchOnly};
 
-/// Waits for commands that nobody else waits for: each inherits the write end of a pipe, as its
+/// Waits for commands that nobody else waits for: each inherits the write end of a pipe as its
 /// standard input.
-class CommandsUnderWay {
+class RunningCommands {
  public:
-  CommandsUnderWay() : stdin_(::dup(STDIN_FILENO)) {
+  RunningCommands() : stdin_(::dup(STDIN_FILENO)) {
     std::array<int, 2> ends{};
     EXPECT_EQ(::pipe(ends.data()), 0);
     readEnd_ = ends[0];
@@ -123,7 +123,7 @@ class CommandsUnderWay {
   int readEnd_ = -1;
 };
 
-/// What one run gave.
+/// The outcome of one run.
 struct Attempt {
   ShellResult result;
   std::string errors;
@@ -134,17 +134,17 @@ struct Attempt {
 class StartOfACommand : public testing::Test {
  protected:
   void SetUp() override {
-    // The first use makes a file of its own, which is not to count as a leak.
+    // The first use opens a file of its own, which must not count as a leak.
     std::ignore = agent::runShellCommand(agent::kBash, "true", ShellMode::Status);
   }
   void TearDown() override { theFault() = {}; }
 
-  /// Runs a command whose text holds the secret, with that call failing.
+  /// Runs a command whose text contains the secret while `call` fails.
   static Attempt runWith(ShellMode mode, std::string_view call, int error, int usesBefore = 0) {
     const ScratchFolder folder;
     const std::string file = folder.file("ran");
     Attempt run;
-    CommandsUnderWay everyCommand;
+    RunningCommands everyCommand;
     testing::internal::CaptureStderr();
     theFault() = {.call = call, .error = error, .usesBefore = usesBefore, .happened = false};
     run.result = agent::runShellCommand(
@@ -189,7 +189,7 @@ const std::vector<Row> kCallsBeforeTheStart{
     {.call = "fork", .error = EAGAIN, .modes = {ShellMode::LaunchOnly}},
 };
 
-TEST_F(StartOfACommand, IsReportedByTheCallThatFailedAndNothingRuns) {
+TEST_F(StartOfACommand, NamesTheCallThatFailedAndRunsNothing) {
   for (const Row &row : kCallsBeforeTheStart) {
     for (const ShellMode mode : row.modes) {
       SCOPED_TRACE(std::string(row.call) + " in " + nameFor(mode) + " mode");
@@ -270,7 +270,7 @@ TEST_F(StartOfACommand, WaitsAndReadsAgainAfterASignal) {
   EXPECT_EQ(runWith(ShellMode::Capture, "read", EINTR).result.outcome, ShellOutcome::Done);
 }
 
-TEST_F(StartOfACommand, ShowsThePasswordInNoMessageOfAnyOperation) {
+TEST_F(StartOfACommand, NeverShowsThePasswordInAMessage) {
   const agent::Credentials admin{.user = "bob", .pwd = kSecret};
   const agent::ConsoleUser console{.user = "alice", .uid = "501"};
   const std::function<void()> operations[] = {

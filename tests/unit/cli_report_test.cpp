@@ -11,7 +11,7 @@ using cli::jsonReport;
 using cli::jsonString;
 using cli::State;
 
-// Every member different, so that swapped ones show.
+// Every member is different, so that swapped ones show.
 State state() {
   return {.stored = {.language = "fr", .server = "192.0.2.1", .port = "4000", .profile = true},
           .daemonLoaded = true,

@@ -55,12 +55,12 @@ TEST(Editions, AreComparedExactly) {
   }
 }
 
-TEST(Editions, FallBackToTheQuorvixRowOnDisk) {
+TEST(Editions, DefaultToTheQuorvixRow) {
   EXPECT_EQ(app::editionOrDefault("Unknown").oem, "Quorvix");
   EXPECT_EQ(app::editionOrDefault("").oem, "Quorvix");
 }
 
-TEST(Editions, OfferTheirFallbackAndTheirLoadItem) {
+TEST(Editions, OfferTheirFallbackAndTheirInitialItem) {
   for (const app::Edition &edition : app::kEditions) {
     const std::set<Language> offered(edition.languages.begin(), edition.languages.end());
     EXPECT_EQ(offered.size(), edition.languages.size()) << edition.oem;

@@ -37,7 +37,7 @@ TEST(Language, IsFoundOnlyByItsExactCode) {
   }
 }
 
-TEST(Trimming, RemovesWhatTheEditionDoesNotOfferFromTheHighestIndexDown) {
+TEST(Trimming, RemovesWhatTheEditionDoesNotOfferHighestIndexFirst) {
   using Items = std::vector<int>;
   EXPECT_EQ(i18n::itemsToRemove(edition("Quorvix")), Items{});
   EXPECT_EQ(i18n::itemsToRemove(edition("Zentavo")), (Items{4, 3, 2}));
@@ -45,7 +45,7 @@ TEST(Trimming, RemovesWhatTheEditionDoesNotOfferFromTheHighestIndexDown) {
   EXPECT_EQ(i18n::itemsToRemove(edition("Tollwick")), (Items{4, 2, 1}));
 }
 
-TEST(Trimming, IsFollowedByTheLoadItemOfTheEdition) {
+TEST(Trimming, IsFollowedByTheInitialItemOfTheEdition) {
   const std::map<std::string, int> expected{
       {"Quorvix", 0}, {"Zentavo", 1}, {"Fennrow", 0}, {"Tollwick", 1}};
   for (const auto &[oem, item] : expected)

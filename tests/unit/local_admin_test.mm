@@ -147,7 +147,7 @@ TEST_F(LocalAdmin, RootPassesBecauseTheConsoleUserIsPrintedWithANewline) {
   EXPECT_EQ(printed, "");
 }
 
-TEST_F(LocalAdmin, RootIsRefusedWhereTheOutputIsExactlyRoot) {
+TEST_F(LocalAdmin, RootIsRefusedWhenTheOutputIsExactlyRoot) {
   std::string printed;
   EXPECT_FALSE(rootMayStart("root", printed));
   EXPECT_EQ(printed, "user cannot be root.\n");
@@ -180,7 +180,7 @@ TEST_F(LocalAdmin, DoesNotLogInOtherwise) {
   EXPECT_FALSE(app::authenticateLocalAdminUser("alice", "a-pw"));
 }
 
-TEST_F(LocalAdmin, LogsInWithAnEmptyPasswordOnlyWhereTheDirectoryAcceptsIt) {
+TEST_F(LocalAdmin, LogsInWithAnEmptyPasswordIfTheDirectoryAcceptsIt) {
   EXPECT_TRUE(app::authenticateLocalAdminUser("empty", ""));
 }
 

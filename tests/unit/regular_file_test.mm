@@ -8,8 +8,8 @@
 
 namespace {
 
-/// While it lives, property lists are not read; it counts how many would have been. What the
-/// platform itself does with a file that is not a regular one does not matter then.
+/// While this object lives, property lists are not read; it counts how many would have been, so
+/// that what the platform itself does with other than regular files does not matter.
 class PropertyListReads {
  public:
   PropertyListReads() {

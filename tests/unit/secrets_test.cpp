@@ -1,4 +1,4 @@
-// The administrator's password is part of many command lines, and of no message.
+// The administrator's password is part of many command lines, but of no message.
 
 #include <gtest/gtest.h>
 
@@ -50,7 +50,7 @@ TEST(Secrets, AreInNoMessageWhateverTheResultOfTheCommands) {
     const std::string output =
         testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
     EXPECT_EQ(output.find(kSecret), std::string::npos) << output;
-    // Both the messages and the commands with the password did exist.
+    // There were messages to search, and commands with the password.
     EXPECT_EQ(std::ranges::count(output, '\n'), 6) << output;
     EXPECT_EQ(std::ranges::count_if(
                   recordingShell().commandLines(),

@@ -21,7 +21,7 @@ class StoredSettings : public testing::Test {
   ServerData read(const std::string &content) const {
     return readServerData(folder_.write("server.plist", content));
   }
-  /// What an empty file gives; the language is that of the system.
+  /// What a missing file gives; the language is the system's.
   static ServerData defaults() {
     const ServerData data = readServerData("/nowhere/server.plist");
     EXPECT_TRUE(data.language == "en" || data.language == "fr") << data.language;
@@ -38,7 +38,7 @@ TEST_F(StoredSettings, AreTakenFromTheFile) {
             (ServerData{.language = "de", .server = "2001:db8::1", .port = "4000"}));
 }
 
-TEST_F(StoredSettings, KeepAnyCodeOfTheFile) {
+TEST_F(StoredSettings, KeepAnyLanguageCodeFromTheFile) {
   for (const char *code : {"en", "fr", "es", "it", "de", "xx", "EN", "de-CH", " "}) {
     EXPECT_EQ(
         readDictionary(std::string("<key>language</key><string>") + code + "</string>").language,
@@ -130,7 +130,7 @@ TEST_F(StoredSettings, AreDefaultsForEveryFileThatDoesNotHoldADictionary) {
   }
   for (std::size_t length = 0; length < good.size() - std::string("</plist>").size(); ++length) {
     ServerData data = read(good.substr(0, length));
-    if (data.server == "mdm") data.server.clear();  // the end of the file matters to some readers
+    if (data.server == "mdm") data.server.clear();  // some readers do without the end of the file
     EXPECT_EQ(data, defaults()) << length;
   }
 }
@@ -204,7 +204,7 @@ TEST(SystemLanguage, IsNarrowedToEnglishAndFrench) {
       {{}, "fr_FR", "en"},
       {{}, {}, "en"},
       {{"\xC3\xA9n"}, {}, "en"},
-      // Two characters, not two bytes: "fr" with an acute accent is another second letter.
+      // Two characters, not two bytes: an "r" with an acute accent is a different letter.
       {{"\xC3\xA9"
         "a-X"},
        {},

@@ -127,7 +127,7 @@ TEST(Shell, GetsTheCommandAsOneArgumentOfDashC) {
   EXPECT_EQ(capture("echo \"$0|$#\""), "/bin/bash|0\n");
   EXPECT_EQ(runShellCommand(agent::kSh, "echo \"$0\"", ShellMode::Capture).text, "/bin/sh\n");
   EXPECT_EQ(capture("echo 'a  b' \"c\" | cat"), "a  b c\n");
-  // Only bash redirects both streams by this.
+  // Only bash redirects both streams with "&>".
   EXPECT_EQ(capture("{ echo one; echo two >&2; } &> /dev/null; echo end"), "end\n");
 }
 
@@ -153,7 +153,7 @@ TEST(Shell, InheritsOnlyTheThreeStandardStreams) {
 TEST(Shell, GetsDefaultSignalHandlingAndAnEmptyMask) {
   const auto before = ::signal(SIGTERM, SIG_IGN);
   sigset_t term, old;
-  sigemptyset(&term);  // macros on macOS, so without a scope
+  sigemptyset(&term);  // macros on macOS, hence no "::"
   sigaddset(&term, SIGTERM);
   ::sigprocmask(SIG_BLOCK, &term, &old);
   EXPECT_EQ(status("kill -TERM $$; exit 0"), SIGTERM);
@@ -161,7 +161,7 @@ TEST(Shell, GetsDefaultSignalHandlingAndAnEmptyMask) {
   ::signal(SIGTERM, before);
 }
 
-TEST(Shell, EndsByABrokenPipeThoughTheProgramDoesNot) {
+TEST(Shell, IsEndedByABrokenPipeThoughTheProgramIsNot) {
   const auto before = std::signal(SIGPIPE, SIG_DFL);
   app::ignoreBrokenPipes();
   EXPECT_EQ(status("kill -PIPE $$; exit 0"), SIGPIPE);

@@ -8,7 +8,7 @@ using enum i18n::Language;
 using i18n::JsonData;
 using Titles = std::vector<std::string>;
 
-/// Every field unlike every other, so that swapped ones show.
+/// Every field is different, so that swapped ones show.
 JsonData::Info distinctInfo(const std::string &prefix) {
   JsonData::Info info;
   info.Common.quit = prefix + "quit";
@@ -62,7 +62,7 @@ TEST(ServerHint, IsFixedPerLanguage) {
   EXPECT_EQ(i18n::settingsStrings(info, Es, "Zentavo").serverHint, "ip o <nombre de host>");
 }
 
-TEST(TestResult, IsSaidInEveryLanguage) {
+TEST(TestResult, IsNamedInEveryLanguage) {
   using enum i18n::TestResult;
   const std::tuple<i18n::Language, const char *, const char *, const char *> rows[] = {
       {En, "Not tested", "Server reachable", "Server unreachable"},
