@@ -121,7 +121,7 @@ ShellStart::ShellStart(const std::string &shell, const std::string &command)
     : shell_(shell), command_(command) {
   sigset_t every;
   sigset_t none;
-  sigfillset(&every);  // macros on macOS, hence no "::"
+  sigfillset(&every);  // macros on macOS, so without "::"
   sigemptyset(&none);
   check(::posix_spawnattr_setsigdefault(&attributes_.value, &every),
         "posix_spawnattr_setsigdefault");

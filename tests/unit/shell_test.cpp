@@ -153,7 +153,7 @@ TEST(Shell, InheritsOnlyTheThreeStandardStreams) {
 TEST(Shell, GetsDefaultSignalHandlingAndAnEmptyMask) {
   const auto before = ::signal(SIGTERM, SIG_IGN);
   sigset_t term, old;
-  sigemptyset(&term);  // macros on macOS, hence no "::"
+  sigemptyset(&term);  // macros on macOS, so without "::"
   sigaddset(&term, SIGTERM);
   ::sigprocmask(SIG_BLOCK, &term, &old);
   EXPECT_EQ(status("kill -TERM $$; exit 0"), SIGTERM);
