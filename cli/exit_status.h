@@ -2,7 +2,7 @@
 
 namespace cli {
 
-/// Exit statuses of the tool; those from 64 on are the ones of <sysexits.h>.
+/// Exit statuses of the tool; those from 64 on come from <sysexits.h>.
 enum ExitStatus : int {
   kAsRequested = 0,
   kNotAsRequested = 1,  ///< of `check`; of `apply`: applied, but not effective

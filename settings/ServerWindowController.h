@@ -49,7 +49,7 @@
 /// Trims white space and newlines from both ends of the field's text, in place.
 - (std::string)trimTextInField:(NSTextField *)field;
 
-/// Whether the server field is to hold an IP address.
+/// Whether the server field must hold an IP address.
 - (BOOL)serverIsIPAddress;
 
 @end

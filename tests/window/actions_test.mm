@@ -189,7 +189,7 @@ TEST_F(Actions, ApplyStopsOnBadInputCorrectsTheFieldAndKeepsTheWindow) {
   } const rows[] = {
       {"192.0.2.10", "65536", kIPAddress, "'192.0.2.10' '6000'"},
       {"192.0.2.10", "", kIPAddress, "'192.0.2.10' '6000'"},
-      {"fileserver", "x", kIPAddress, "'fileserver' '6000'"},  // the port is looked at first
+      {"fileserver", "x", kIPAddress, "'fileserver' '6000'"},  // the port is checked first
       {"", "x", kHostName, "'' '6000'"},
       {" ", " 4000 ", kIPAddress, "'' '4000'"},
       {"", "4000", kHostName, "'' '4000'"},

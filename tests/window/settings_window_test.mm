@@ -146,7 +146,7 @@ TEST_F(SettingsWindow, ShowsDefaultsWithoutAFile) {
   EXPECT_EQ(selectedItem(controller), french ? 1 : 0);
 }
 
-TEST_F(SettingsWindow, KeepsTheLoadItemOfItsEditionWithoutAnyRecord) {
+TEST_F(SettingsWindow, KeepsTheInitialItemOfItsEditionWithoutAnyRecord) {
   struct {
     const char *oem;
     NSInteger item;
