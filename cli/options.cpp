@@ -177,13 +177,13 @@ std::string usage(const app::Edition &edition) {
   }
   return "usage: configure-agent show  [--json]\n"
          "       configure-agent check --server HOST [--port N] [--language CODE] [--json]\n"
-         "       configure-agent apply --server HOST [--port N] [--language CODE] [--reset]\n"
-         "                             [--force] [--json]\n"
+         "       configure-agent apply --server HOST [--port N] [--language CODE]\n"
+         "                             [--reset] [--force] [--json]\n"
          "       configure-agent --help | --version\n"
          "\n"
-         "Points the " +
+         "Points this Mac's " +
          std::string(edition.oem) +
-         " agent of this Mac at its management server. Must be run as root.\n"
+         " agent at its management server. Must be run as root.\n"
          "\n"
          "  show             report the current settings and jobs\n"
          "  check            report whether everything is as requested; changes nothing\n"
@@ -194,13 +194,13 @@ std::string usage(const app::Edition &edition) {
          "  --language CODE  one of:" +
          languages +
          "; default: the stored language\n"
-         "  --reset          when applying, also delete and regenerate the agent's own settings\n"
+         "  --reset          when applying, also regenerate the agent's own settings\n"
          "  --force          apply even if everything is as requested\n"
          "  --json           report one line of JSON\n"
          "\n"
-         "Exit status: 0 as requested; 1 not as requested (check), or applied but not effective\n"
-         "(apply); 64 invalid command line or value; 69 the agent is not installed; 75 another\n"
-         "run is in progress; 77 not root.\n";
+         "Exit status: 0 as requested; 1 not as requested (check), or applied but not\n"
+         "effective (apply); 64 invalid command line or value; 69 the agent is not\n"
+         "installed; 75 another run is in progress; 77 not root.\n";
 }
 
 }  // namespace cli

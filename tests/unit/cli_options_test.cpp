@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -201,6 +202,13 @@ TEST(Usage, NamesTheLanguagesOfTheEdition) {
   EXPECT_NE(cli::usage(zentavo()).find("one of: en fr;"), std::string::npos);
   EXPECT_NE(cli::usage(*app::editionWithOem("Quorvix")).find("one of: en fr it de es;"),
             std::string::npos);
+}
+
+TEST(Usage, FitsATerminalOf80Columns) {
+  for (const app::Edition &edition : app::kEditions) {
+    std::istringstream usage(cli::usage(edition));
+    for (std::string line; std::getline(usage, line);) EXPECT_LE(line.size(), 80U) << line;
+  }
 }
 
 }  // namespace
