@@ -19,7 +19,7 @@ _read_column(captionName _names)
 _read_column(installFolder _folders)
 _read_column(profileIdentifier _identifiers)
 
-# "Language::En, Language::Fr" becomes "en,fr"; German alone is not named by its code.
+# "Language::En, Language::Fr" becomes "en,fr"; only German's enumerator is not its code.
 file(READ "${CMAKE_SOURCE_DIR}/app/edition.h" _header)
 string(REGEX MATCHALL "\\.languages = {[^}]*}" _languages "${_header}")
 list(TRANSFORM _languages REPLACE "^[^{]*{" "")

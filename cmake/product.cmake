@@ -4,7 +4,7 @@
 #   shell_runner         the one place that starts processes
 #   foundation_adapters  calls of Foundation behind plain C++ headers
 #   server_plist_location, admin_checks
-#                        the path of the local Library folder; questions to the local directory
+#                        the path of the local Library folder; queries to the local directory
 #   window_controllers   the two controllers
 #   tool_core            the command-line tool without its entry; plain C++ as well
 #
@@ -43,7 +43,7 @@ add_library(tool_entry OBJECT cli/main.cpp)
 target_link_libraries(tool_entry PUBLIC product_core PRIVATE project_warnings)
 target_compile_definitions(tool_entry PRIVATE "PRODUCT_VERSION=\"${PROJECT_VERSION}\"")
 
-# Libraries that call Foundation alone, and those that call all of the platform.
+# Libraries that call only Foundation, and those that may call all of the platform.
 function(add_foundation_library name)
   add_library(${name} OBJECT ${ARGN})
   target_link_libraries(${name} PUBLIC product_core platform_foundation_api
