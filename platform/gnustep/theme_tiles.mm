@@ -29,7 +29,7 @@
 }
 
 /// Fills a rectangle of `size` from `point` with the tile. As everywhere in NSImage, what is drawn
-/// stands upright in flipped views too, and `point` is its lower left corner.
+/// is upright in flipped views too, and `point` is its lower left corner.
 - (void)compositeToPoint:(NSPoint)point
                 fromRect:(NSRect)size
                operation:(NSCompositingOperation)operation {
