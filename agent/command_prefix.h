@@ -6,8 +6,8 @@
 #include "agent/accounts.h"
 
 /// Command lines that run another command as another user. Values are inserted as they are, without
-/// escaping, and the shell interprets them as typed text: required. A quote, dollar sign, backquote
-/// or backslash in a name or password makes the command fail.
+/// escaping, so the shell interprets them: required. A quote, dollar sign, backquote or backslash
+/// in a name or password makes the command fail.
 namespace agent {
 
 /// Runs `command` as root: /bin/echo feeds the password to `sudo -S`, which runs a second sudo as

@@ -20,7 +20,7 @@ constexpr Sentence kFrench{"L'utilisateur ",
                            " ne fait pas partie du groupe d'administrateurs local."};
 constexpr Sentence kGerman{"Der Benutzer ", " gehört nicht zur lokalen Admin-Gruppe."};
 
-// This order, which is not that of the languages elsewhere, is required.
+// Required: this order, which differs from that of the languages elsewhere.
 constexpr std::array kFiveLanguages{kEnglish, kItalian, kSpanish, kFrench, kGerman};
 static_assert(kFiveLanguages.size() == i18n::kLanguageCount);
 constexpr std::array kTwoLanguages{kEnglish, kFrench};

@@ -21,7 +21,7 @@ std::uint32_t takeCharacter(std::string_view &text) {
   const std::string_view bytes = text.substr(0, length);
   text.remove_prefix(length);
   if (!isValid) return kReplacementCharacter;
-  // The lead byte has one payload bit fewer for each byte that follows.
+  // The lead byte of a longer form has one payload bit fewer for each byte of the form.
   const auto lead = static_cast<unsigned char>(bytes.front());
   std::uint32_t character = length == 1 ? lead : lead & (0x7FU >> length);
   for (const char c : bytes.substr(1)) {

@@ -34,7 +34,7 @@ class RunLock {
   RunLock &operator=(const RunLock &) = delete;
 
   bool isBusy() const { return isBusy_; }
-  /// Why there is no lock, other than that another run has it.
+  /// Why there is no lock; empty if there is one, or if another run has it.
   std::error_code error() const { return error_; }
 
   /// What an earlier run left. This and the functions below need the lock.
