@@ -23,12 +23,12 @@ id propertyList(std::string bytes) {
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);  // byte order mark
   const std::optional<platform::PropertyListForm> form = platform::harmlessForm(bytes);
   if (!form.has_value()) return nil;
-  if (*form != platform::PropertyListForm::kBinary) {
+  if (*form != platform::PropertyListForm::Binary) {
     // The XML parser would write a line to standard error for each string that is not UTF-8.
     NSString *text = [[[NSString alloc] initWithBytes:bytes.data()
                                                length:bytes.size()
                                              encoding:NSUTF8StringEncoding] autorelease];
-    if (text == nil || *form == platform::PropertyListForm::kText) return [text propertyList];
+    if (text == nil || *form == platform::PropertyListForm::Text) return [text propertyList];
     bytes.erase(0, bytes.find('<'));
     bytes = withBackslashesKept(bytes);
     if (!bytes.starts_with("<?xml")) bytes.insert(0, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>");

@@ -139,7 +139,7 @@ class Descriptor {
 std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
   if (bytes.starts_with("bplist00")) {
     if (!BinaryWalk(bytes).isHarmless()) return std::nullopt;
-    return PropertyListForm::kBinary;
+    return PropertyListForm::Binary;
   }
   // NUL and 1 start GNUstep's own serialised forms, which can claim any amount of memory.
   if (bytes.find('\0') != std::string_view::npos || bytes.starts_with('\1')) return std::nullopt;
@@ -149,11 +149,11 @@ std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
   for (const std::string_view tag : {"<?xml", "<!DOCTYPE", "<!--", "<plist"}) {
     if (!bytes.starts_with(tag)) continue;
     if (!isHarmlessXML(bytes)) return std::nullopt;
-    return PropertyListForm::kXML;
+    return PropertyListForm::XML;
   }
   // No dictionary in text form starts so, and some that do are read beyond their end.
   if (bytes.starts_with('<') || !isHarmlessText(bytes)) return std::nullopt;
-  return PropertyListForm::kText;
+  return PropertyListForm::Text;
 }
 
 std::optional<std::string> readPropertyListFile(const char *path) noexcept {

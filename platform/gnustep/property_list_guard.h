@@ -8,7 +8,7 @@
 
 namespace platform {
 
-enum class PropertyListForm { kBinary, kXML, kText };
+enum class PropertyListForm { Binary, XML, Text };
 
 /// The form of the bytes when the parser of that form will neither overrun the stack nor fill the
 /// memory with them, else nothing. The bytes may still turn out not to be a property list. An XML

@@ -30,7 +30,7 @@ template <typename Entry>
 LookupResult lookUp(std::string_view name,
                     int (*function)(const char *, Entry *, char *, std::size_t, Entry **),
                     char *Entry::*entryName, Entry &entry, std::vector<char> &buffer) {
-  if (!isUsableName(name)) return {Lookup::kUnknown};
+  if (!isUsableName(name)) return {Lookup::Unknown};
   const std::string key(name);
   Entry *found = nullptr;
   int error = ERANGE;
@@ -40,13 +40,13 @@ LookupResult lookUp(std::string_view name,
       error = function(key.c_str(), &entry, buffer.data(), buffer.size(), &found);
     } while (error == EINTR);
   }
-  if (found != nullptr) return {key == entry.*entryName ? Lookup::kFound : Lookup::kUnknown};
+  if (found != nullptr) return {key == entry.*entryName ? Lookup::Found : Lookup::Unknown};
   // Several of the name service's back ends report a missing name as one of these.
   constexpr int kMissing[] = {0, ENOENT, ESRCH, EBADF, EPERM};
   if (std::find(std::begin(kMissing), std::end(kMissing), error) != std::end(kMissing)) {
-    return {Lookup::kUnknown};
+    return {Lookup::Unknown};
   }
-  return {Lookup::kFailed, error};
+  return {Lookup::Failed, error};
 }
 
 LookupResult lookUpUser(std::string_view name, passwd &entry, std::vector<char> &buffer) {
@@ -134,18 +134,18 @@ MembershipResult isMember(std::string_view user, std::string_view group) noexcep
   struct group groupEntry;
   std::vector<char> groupBuffer;
   const LookupResult groupFound = lookUpGroup(group, groupEntry, groupBuffer);
-  if (groupFound.outcome == Lookup::kFailed) return {Membership::kFailed, groupFound.error};
-  if (groupFound.outcome == Lookup::kUnknown) return {Membership::kUnknownGroup};
+  if (groupFound.outcome == Lookup::Failed) return {Membership::Failed, groupFound.error};
+  if (groupFound.outcome == Lookup::Unknown) return {Membership::UnknownGroup};
 
   passwd userEntry;
   std::vector<char> userBuffer;
   const LookupResult userFound = lookUpUser(user, userEntry, userBuffer);
-  if (userFound.outcome == Lookup::kFailed) return {Membership::kFailed, userFound.error};
-  if (userFound.outcome == Lookup::kUnknown) return {Membership::kUnknownUser};
+  if (userFound.outcome == Lookup::Failed) return {Membership::Failed, userFound.error};
+  if (userFound.outcome == Lookup::Unknown) return {Membership::UnknownUser};
 
   const std::vector<gid_t> groups = groupsOf(userEntry);
   const bool member = std::find(groups.begin(), groups.end(), groupEntry.gr_gid) != groups.end();
-  return {member ? Membership::kMember : Membership::kNotMember};
+  return {member ? Membership::Member : Membership::NotMember};
 }
 
 int verifyPassword(std::string_view user, std::string_view password) noexcept {

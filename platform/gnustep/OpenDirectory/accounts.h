@@ -7,7 +7,7 @@
 
 namespace platform {
 
-enum class Lookup { kFound, kUnknown, kFailed };
+enum class Lookup { Found, Unknown, Failed };
 
 /// Outcome of a lookup. `error` is the errno of a failed one, else 0.
 struct LookupResult {
@@ -19,7 +19,7 @@ struct LookupResult {
 [[nodiscard]] LookupResult findUser(std::string_view name) noexcept;
 [[nodiscard]] LookupResult findGroup(std::string_view name) noexcept;
 
-enum class Membership { kMember, kNotMember, kUnknownUser, kUnknownGroup, kFailed };
+enum class Membership { Member, NotMember, UnknownUser, UnknownGroup, Failed };
 
 /// Outcome of a membership question. `error` is the errno of a failed one, else 0.
 struct MembershipResult {

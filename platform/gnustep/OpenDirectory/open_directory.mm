@@ -124,13 +124,13 @@ ODFrameworkErrors errorForPamStatus(int status) {
   const std::string key = bytes(name);
   const platform::LookupResult result = isUser ? platform::findUser(key) : platform::findGroup(key);
   switch (result.outcome) {
-    case platform::Lookup::kFound:
+    case platform::Lookup::Found:
       return [[[ODRecord alloc] initWithType:type name:name] autorelease];
-    case platform::Lookup::kUnknown:
+    case platform::Lookup::Unknown:
       fail(error, kODErrorRecordNoLongerExists,
            [NSString stringWithFormat:@"no %@ is named %@", isUser ? @"user" : @"group", name]);
       return nil;
-    case platform::Lookup::kFailed:
+    case platform::Lookup::Failed:
       failWithErrno(error, result.error);
       return nil;
   }
@@ -181,15 +181,15 @@ ODFrameworkErrors errorForPamStatus(int status) {
   const platform::MembershipResult result =
       platform::isMember(bytes([record recordName]), bytes(_recordName));
   switch (result.outcome) {
-    case platform::Membership::kMember:
+    case platform::Membership::Member:
       return YES;
-    case platform::Membership::kNotMember:
+    case platform::Membership::NotMember:
       if (error != nullptr) *error = nil;
       return NO;
-    case platform::Membership::kUnknownUser:
-    case platform::Membership::kUnknownGroup:
+    case platform::Membership::UnknownUser:
+    case platform::Membership::UnknownGroup:
       return fail(error, kODErrorRecordNoLongerExists, @"the user or the group is gone");
-    case platform::Membership::kFailed:
+    case platform::Membership::Failed:
       return failWithErrno(error, result.error);
   }
   return NO;
