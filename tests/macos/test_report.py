@@ -1,5 +1,6 @@
 """What script/report-mac and script/bootstrap say on a Mac, with replacements for Apple's tools."""
 
+import shlex
 import shutil
 from pathlib import Path
 
@@ -24,9 +25,9 @@ def replace_command(tools: AppleTools, name: str, script: str) -> None:
     (tools.bin / name).chmod(0o755)
 
 
-def report(tools: AppleTools) -> str:
+def report(tools: AppleTools, home: str = "/Users/somebody") -> str:
     file = tools.folder / "report.txt"
-    done = tools.run(tools.folder.parent / "tree/script/report-mac", file, HOME="/Users/somebody",
+    done = tools.run(tools.folder.parent / "tree/script/report-mac", file, HOME=home,
                      MAC_NOTARY_PROFILE="a-profile", SECRET="a-secret")
     assert (done.returncode, done.stdout) == (0, f"{file}\n"), done.stderr
     return file.read_text()
@@ -60,14 +61,23 @@ def test_the_report_holds_test_results_and_the_checks_of_bundles_and_packages(
     assert "checksum of build/package/packages/Utility.dmg\nhdiutil: verify failed\n(exit status 1)" in text
 
 
-def test_the_report_names_neither_the_user_nor_the_computer_nor_any_secret(tools: AppleTools) -> None:
-    replace_command(tools, "id", "echo jdoe")
-    replace_command(tools, "hostname", "echo janes-mac")
+@pytest.mark.parametrize("user, computer, home", [
+    ("jdoe", "janes-mac", "/Users/somebody"),
+    ("jane", "janes-mac", "/Users/jane"),
+    ("janedoe", "jane", "/Users/janedoe"),
+    (r"LAB\j.doe", "mac[1]", "/Volumes/R&D/jdoe"),
+    ("j*doe", "m|c", "/Users/^j$"),
+    ("jörg", "büro", "/Users/jörg"),
+])
+def test_the_report_names_neither_the_user_nor_the_computer_nor_any_secret(
+        tools: AppleTools, user: str, computer: str, home: str) -> None:
+    replace_command(tools, "id", f"printf '%s\\n' {shlex.quote(user)}")
+    replace_command(tools, "hostname", f"printf '%s\\n' {shlex.quote(computer)}")
     (tools.folder.parent / "tree/build").mkdir()
     (tools.folder.parent / "tree/build/CTestTestfile.cmake").touch()
-    text = report(tools)
-    assert "tests passed on <computer> by <user> in ~" in text
-    for name in ("jdoe", "janes-mac", "/Users/somebody", "a-profile", "a-secret"):
+    text = report(tools, home)
+    assert "tests passed on <computer> by <user> in ~\n" in text
+    for name in (user, computer, home, "a-profile", "a-secret"):
         assert name not in text
 
 
