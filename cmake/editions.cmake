@@ -1,11 +1,13 @@
-# Reads the edition table of app/edition.h, so that the build has no list of its own.
+# Reads the edition table of app/edition.h and the language codes of i18n/language.cpp, so that the build has
+# no list of its own.
 #
 # Sets EDITIONS to the oem values and, for each, EDITION_TITLE_<oem> and EDITION_IDENTIFIER_<oem>: the
 # bundle identifier of the utility, derived from that of the agent's profile.
 #
 # Writes the table to ${CMAKE_BINARY_DIR}/editions.tsv for scripts, lab and tests.
 
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/edition.h")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+             "${CMAKE_SOURCE_DIR}/app/edition.h" "${CMAKE_SOURCE_DIR}/i18n/language.cpp")
 
 function(_read_column name result)
   file(STRINGS "${CMAKE_SOURCE_DIR}/app/edition.h" lines REGEX "\\.${name} = \"")
@@ -19,13 +21,16 @@ _read_column(captionName _names)
 _read_column(installFolder _folders)
 _read_column(profileIdentifier _identifiers)
 
-# "Language::En, Language::Fr" becomes "en,fr"; only German's enumerator is not its code.
+# "i18n::Language::En, i18n::Language::Ge" becomes "En,Ge" and then, row by row of the codes, "en,de".
 file(READ "${CMAKE_SOURCE_DIR}/app/edition.h" _header)
 string(REGEX MATCHALL "\\.languages = {[^}]*}" _languages "${_header}")
 list(TRANSFORM _languages REPLACE "^[^{]*{" "")
 list(TRANSFORM _languages REPLACE "[^,]*::|[ \n}]" "")
-list(TRANSFORM _languages TOLOWER)
-list(TRANSFORM _languages REPLACE "ge" "de")
+file(STRINGS "${CMAKE_SOURCE_DIR}/i18n/language.cpp" _rows REGEX "{Language::[A-Za-z]+, \"[a-z]+\"}")
+foreach(_row IN LISTS _rows)
+  string(REGEX MATCH "::([A-Za-z]+), \"([a-z]+)\"" _match "${_row}")
+  list(TRANSFORM _languages REPLACE "${CMAKE_MATCH_1}" "${CMAKE_MATCH_2}")
+endforeach()
 
 list(LENGTH EDITIONS _count)
 foreach(_column _titles _names _folders _identifiers _languages)
