@@ -3,9 +3,8 @@
 from pathlib import Path
 
 import pytest
+from bundle_files import program_languages
 from conftest import ROOT, TITLE, Mac, Sample
-
-LANGUAGES = ("de", "en", "es", "fr", "it")
 
 
 @pytest.fixture
@@ -19,7 +18,7 @@ def test_the_whole_bundle_is_sealed_when_it_is_complete(mac: Mac) -> None:
     assert sealed == sorted([
         "Info.plist", f"MacOS/{TITLE}", "MacOS/configure-agent", "Resources/AppIcon.icns",
         "Resources/MainMenu.nib", "Resources/configure-agent.1",
-        *(f"Resources/{language}.lproj/InfoPlist.strings" for language in LANGUAGES)])
+        *(f"Resources/{language}.lproj/InfoPlist.strings" for language in program_languages(ROOT))])
 
 
 def test_an_identity_brings_the_hardened_runtime_and_a_timestamp_to_the_tool_and_then_the_whole(

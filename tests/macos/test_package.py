@@ -7,11 +7,11 @@ from collections.abc import Iterator
 from pathlib import Path
 
 import pytest
-from conftest import TITLE, Mac
+from bundle_files import program_languages
+from conftest import ROOT, TITLE, Mac
 
 IDENTITY = "Developer ID Application: Sample"
 INSTALLER = "Developer ID Installer: Sample"
-LANGUAGES = ("de", "en", "es", "fr", "it")
 
 
 @pytest.fixture
@@ -93,17 +93,19 @@ def test_the_installer_says_what_it_installs_and_where_it_can(packages: Path, tm
         [choice.get("id") for choice in root.findall("choice")]
 
 
-def test_the_installer_has_a_readme_in_five_languages(packages: Path, tmp_path: Path) -> None:
+def test_the_installer_has_a_readme_in_every_language_of_the_program(packages: Path, tmp_path: Path) -> None:
     product = opened(packages / name("pkg"), tmp_path / "product")
     readme = ElementTree.parse(product / "Distribution").getroot().find("readme")
     assert readme is not None
+    languages = program_languages(ROOT)
+    assert sorted(f.name for f in (product / "Resources").iterdir()) == [f"{language}.lproj" for language in languages]
     strings = set()
-    for language in LANGUAGES:
+    for language in languages:
         text = (product / f"Resources/{language}.lproj" / readme.attrib["file"]).read_text("utf-8")
         assert f"{TITLE} 1.0.0" in text and "macOS 11.0" in text and "@" not in text
         assert f'lang="{language}"' in text
         strings.add(text)
-    assert len(strings) == len(LANGUAGES)
+    assert len(strings) == len(languages)
 
 
 def test_the_disk_image_holds_the_bundle_and_a_link_to_utilities(mac: Mac, packages: Path,
