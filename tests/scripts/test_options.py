@@ -16,7 +16,7 @@ from driver.waiting import wait_until
 BUILD = Path(os.environ.get("BUILD", REPOSITORY / "build"))
 # Called by other programs only, never by a person: simulated commands of the lab, the compiler of the
 # cross-build.
-NOT_FOR_PEOPLE = ("lab/simulated/", "platform/macos/toolchain/c++")
+NOT_FOR_PEOPLE = ("lab/simulated/", "platform/macos/toolchain/c++", "tests/macos/apple_tools/")
 
 
 def tracked(*patterns: str) -> list[str]:
@@ -30,7 +30,7 @@ def is_script(name: str) -> bool:
         return file.read(2) == b"#!" and not name.startswith(NOT_FOR_PEOPLE)
 
 
-SCRIPTS = [name for name in tracked(".ci", "lab", "script", "tests/with-display") if is_script(name)]
+SCRIPTS = [name for name in tracked() if is_script(name)]
 # Its options are those of ctest.
 PASSES_OPTIONS_ON = {"script/test"}
 
