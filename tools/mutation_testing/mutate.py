@@ -65,12 +65,9 @@ class Mutation:
 
 def read_table(path: Path) -> list[Mutation]:
     with path.open("rb") as file:
-        rows = tomllib.load(file)["mutation"]
+        tables = tomllib.load(file)
     mutations = [
-        Mutation(
-            row["name"], row["file"], row["from"], row["to"], row.get("may_survive", "").strip()
-        )
-        for row in rows
+        Mutation(name, file, *row) for file, rows in tables.items() for name, row in rows.items()
     ]
     names = [mutation.name for mutation in mutations]
     if repeated := {name for name in names if names.count(name) > 1}:
@@ -123,17 +120,15 @@ class Copy:
     def _run(self, command: list[str], environment: dict[str, str] | None = None) -> bool:
         self.build.mkdir(parents=True, exist_ok=True)
         with (self.build / "last.log").open("wb") as log:
-            return (
-                subprocess.run(
-                    command,
-                    env=os.environ | (environment or {}),
-                    stdin=subprocess.DEVNULL,
-                    stdout=log,
-                    stderr=subprocess.STDOUT,
-                    check=False,
-                ).returncode
-                == 0
+            done = subprocess.run(
+                command,
+                env=os.environ | (environment or {}),
+                stdin=subprocess.DEVNULL,
+                stdout=log,
+                stderr=subprocess.STDOUT,
+                check=False,
             )
+        return done.returncode == 0
 
 
 def caught_by(copy: Copy, suites: list[Suite]) -> str:
