@@ -8,6 +8,7 @@ import subprocess
 from pathlib import Path
 
 import pytest
+from driver.commands import run
 from driver.display import Display
 from driver.interface import Interface
 from driver.paths import REPOSITORY
@@ -71,16 +72,8 @@ class Tree:
         calls = self.folder / "calls"
         calls.write_text("")
         path = f"{self.folder}/bin:{os.environ['PATH']}"
-        result = subprocess.run(
-            [self.folder / script, *arguments],
-            cwd="/",
-            env=os.environ | {"TREE": str(self.folder), "PATH": path},
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            text=True,
-            check=False,
-            timeout=60,
-        )
+        environment = os.environ | {"TREE": str(self.folder), "PATH": path}
+        result = run(self.folder / script, *arguments, cwd="/", env=environment)
         self.output = result.stdout
         assert result.returncode == status, result.stdout + result.stderr
         return calls.read_text().splitlines()
@@ -91,22 +84,13 @@ def tree(tmp_path: Path) -> Tree:
     return Tree(tmp_path)
 
 
-def call(*words: str, timeout: float = 60) -> subprocess.CompletedProcess[str]:
-    script, *arguments = words
-    return subprocess.run(
-        [REPOSITORY / script, *arguments],
-        cwd="/",
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        text=True,
-        check=False,
-        timeout=timeout,
-    )
+def call(script: str, *arguments: str) -> subprocess.CompletedProcess[str]:
+    return run(REPOSITORY / script, *arguments, cwd="/")
 
 
 @pytest.mark.parametrize("option", ["--help", "-h"])
 @pytest.mark.parametrize("script", SCRIPTS)
-def test_help_tells_the_usage(script: str, option: str) -> None:
+def test_help_prints_the_usage(script: str, option: str) -> None:
     result = call(script, option)
     assert (result.returncode, result.stderr) == (0, "")
     assert result.stdout.startswith(f"usage: {script}")
