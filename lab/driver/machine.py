@@ -65,6 +65,13 @@ def _accounts() -> Iterable[Account]:
 ACCOUNTS = {account.name: account for account in _accounts()}
 
 
+def loaded_jobs(state: Path) -> set[Job]:
+    """The launchd jobs that are loaded on the machine whose state is in that folder."""
+    base = state / "launchd"
+    files = [file for file in base.rglob("*") if file.is_file()]
+    return {Job(str(file.parent.relative_to(base)), file.name) for file in files}
+
+
 def _in_order(records: list[Record]) -> list[Record]:
     """Sorts the stages of each pipeline, which start at the same time, from left to right.
 
@@ -92,7 +99,7 @@ class Machine:
     kills_commands = False  # whether a fault rule sends a signal
 
     def reset(self) -> None:
-        """Goes back to the state right after the agent was installed."""
+        """Restores the state right after the agent was installed."""
         subprocess.run([LAB / "install-agent"], check=True)
 
     def records(self) -> list[Record]:
@@ -137,22 +144,20 @@ class Machine:
             faults.write(f"{count} {program} {words} {part}\n")
 
     def load(self, *jobs: Job) -> None:
-        """Makes launchd jobs loaded."""
+        """Loads launchd jobs."""
         for job in jobs:
             (STATE / "launchd" / job.domain / job.label).touch()
 
     def loaded(self) -> set[Job]:
         """The launchd jobs that are loaded."""
-        base = STATE / "launchd"
-        files = [file for file in base.rglob("*") if file.is_file()]
-        return {Job(str(file.parent.relative_to(base)), file.name) for file in files}
+        return loaded_jobs(STATE)
 
     def restrict_asuser(self) -> None:
         """Makes `launchctl asuser` refuse everybody except root, for their own session too."""
         (STATE / "asuser-needs-root").touch()
 
     def install_profiles(self, *identifiers: str) -> None:
-        """Makes configuration profiles installed."""
+        """Installs configuration profiles."""
         (STATE / "profiles").write_text("".join(f"{name}\n" for name in identifiers))
 
     def store_settings(self, language: str, server: str, port: int, profile: bool = False) -> None:
@@ -161,7 +166,7 @@ class Machine:
         self.write_server_plist(plistlib.dumps(values, sort_keys=False))
 
     def write_server_plist(self, content: str | bytes) -> None:
-        """Puts a server.plist there, as an administrator would own it."""
+        """Writes server.plist, owned by an administrator."""
         SERVER_PLIST.write_bytes(content.encode() if isinstance(content, str) else content)
         os.chown(SERVER_PLIST, ACCOUNTS["alice"].uid, -1)
 

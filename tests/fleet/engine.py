@@ -19,7 +19,7 @@ RESULT = re.compile(
 
 @dataclass(frozen=True)
 class Outcome:
-    """What Ansible prints of one machine: ok, changed, FAILED or UNREACHABLE, and the result."""
+    """What Ansible prints for one machine: ok, changed, FAILED or UNREACHABLE, and the result."""
 
     status: str
     result: dict[str, object] = field(default_factory=dict)
@@ -100,7 +100,7 @@ class Ansible:
         return Run(done.returncode, done.stdout)
 
     def start(self, **arguments: Any) -> subprocess.Popen[bytes]:
-        """Starts the same in a process group of its own."""
+        """Starts the same run in its own process group."""
         return subprocess.Popen(
             ["ansible-playbook", "--forks=20", self.playbook(**arguments)],
             stdin=subprocess.DEVNULL,

@@ -4,15 +4,15 @@ import json
 import os
 import plistlib
 import signal
-import subprocess
+from collections.abc import Callable, Iterable, Iterator
 from concurrent.futures import ThreadPoolExecutor
-from contextlib import suppress
+from contextlib import contextmanager, suppress
 from dataclasses import dataclass
 from pathlib import Path
-from typing import Callable, Iterable
 
+from driver.commands import run
 from driver.editions import EDITIONS
-from driver.machine import AGENT, DAEMON, SERVER_PLIST, Job
+from driver.machine import AGENT, DAEMON, SERVER_PLIST, STATE, Job, loaded_jobs
 from driver.paths import LAB
 
 TOOL = EDITIONS["Zentavo"].program.parent / "configure-agent"
@@ -27,17 +27,14 @@ class Mac:
     name: str
     pid: int
 
-    def run(self, *command: object, check: bool = True) -> str:
-        """Runs a command as root on the machine and returns what it prints."""
-        enter = ["nsenter", f"--target={self.pid}", "--all"]
-        return subprocess.run(
-            [*enter, *map(str, command)],
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            text=True,
-            check=check,
-            timeout=60,
-        ).stdout
+    @property
+    def enter(self) -> list[str]:
+        """The words before a command that make it run as root on the machine."""
+        return ["nsenter", f"--target={self.pid}", "--all"]
+
+    def run(self, *command: object) -> str:
+        """Runs a command, which may not fail, and returns what it prints."""
+        return run(*self.enter, *command, check=True).stdout
 
     def shell(self, script: str) -> str:
         return self.run("/bin/bash", "-c", script)
@@ -48,9 +45,7 @@ class Mac:
 
     def loaded(self) -> set[Job]:
         """The launchd jobs that are loaded."""
-        base = self.path("/var/lab/launchd")
-        files = [file for file in base.rglob("*") if file.is_file()]
-        return {Job(str(file.parent.relative_to(base)), file.name) for file in files}
+        return loaded_jobs(self.path(STATE))
 
     def settings(self) -> dict[str, object]:
         """The stored settings; empty if there are none."""
@@ -60,12 +55,12 @@ class Mac:
 
     def commands(self) -> list[str]:
         """The command lines in the journal."""
-        text = self.path("/var/lab/journal").read_text(errors="replace")
+        text = self.path(STATE / "journal").read_text(errors="replace")
         return [" ".join(json.loads(line)["argv"]) for line in text.splitlines()]
 
     def add_fault(self, rule: str) -> None:
         """Adds a fault rule, as described in lab/README.md."""
-        with self.path("/var/lab/faults").open("a") as faults:
+        with self.path(STATE / "faults").open("a") as faults:
             faults.write(rule + "\n")
 
     def is_busy(self) -> bool:
@@ -73,8 +68,17 @@ class Mac:
         return any(b"configure-agent" in line for _, line in _command_lines(self.path("/proc")))
 
     def reset(self) -> None:
-        """Goes back to the state right after the agent was installed."""
+        """Restores the state right after the agent was installed."""
         self.run(LAB / "install-agent")
+
+    @contextmanager
+    def without_agent(self) -> Iterator[None]:
+        """While it lasts, the agent is not installed; its job files are only back after a reset."""
+        self.shell(f"mv '{AGENT_FOLDER}' /tmp/agent; rm /Library/Launch*/com.quorvix.*")
+        try:
+            yield
+        finally:
+            self.run("mv", "/tmp/agent", AGENT_FOLDER)
 
 
 def _command_lines(proc: Path) -> Iterable[tuple[int, bytes]]:
@@ -102,6 +106,11 @@ def kill_processes(*beginnings: bytes) -> None:
         if line.startswith(beginnings):
             with suppress(ProcessLookupError):
                 os.kill(pid, signal.SIGKILL)
+
+
+def each(macs: Iterable[Mac], status: str) -> dict[str, str]:
+    """The same status for all machines, by name."""
+    return {mac.name: status for mac in macs}
 
 
 def on_each(macs: Iterable[Mac], action: Callable[[Mac], object]) -> None:

@@ -3,14 +3,14 @@
 import os
 import signal
 import subprocess
+from collections.abc import Callable
 from contextlib import ExitStack
-from typing import Callable
 
 import pytest
 from driver.machine import DAEMON, PREFERENCES
 from driver.waiting import wait_until
 from engine import Ansible, Run
-from macs import AGENT_FOLDER, ALL_JOBS, Mac, kill_processes, on_each
+from macs import ALL_JOBS, Mac, each, kill_processes, on_each
 
 OLD, NEW = "192.0.2.10", "mdm.example.com"
 UNLOAD_DAEMON = "always launchctl exit=1 ^/bin/launchctl unload -w /Library/LaunchDaemons"
@@ -19,23 +19,6 @@ UNLOAD_DAEMON = "always launchctl exit=1 ^/bin/launchctl unload -w /Library/Laun
 @pytest.fixture(autouse=True)
 def twenty(macs: list[Mac]) -> None:
     assert len(macs) == 20
-
-
-def each(macs: list[Mac], status: str) -> dict[str, str]:
-    return {mac.name: status for mac in macs}
-
-
-def test_changed_then_unchanged_then_check_with_the_difference(
-    macs: list[Mac], ansible: Ansible
-) -> None:
-    run = ansible.apply(server=OLD)
-    assert run.statuses == each(macs, "changed"), run.output
-    run = ansible.apply(server=OLD)
-    assert run.statuses == each(macs, "ok"), run.output
-    run = ansible.apply("--check", "--diff", server=NEW)
-    assert run.statuses == each(macs, "changed"), run.output
-    assert run.output.count(f'+    "server": "{NEW}"') == 20
-    assert [mac.settings()["server"] for mac in macs] == [OLD] * 20
 
 
 def set_link(name: str, state: str) -> None:
@@ -53,17 +36,12 @@ def make_preferences_read_only(mac: Mac, undo: ExitStack) -> None:
     mac.run("mount", "-o", "remount,bind,ro", PREFERENCES)
 
 
-def remove_agent(mac: Mac, undo: ExitStack) -> None:
-    mac.shell(f"mv '{AGENT_FOLDER}' /tmp/agent; rm /Library/Launch*/com.quorvix.*")
-    undo.callback(mac.run, "mv", "/tmp/agent", AGENT_FOLDER)
-
-
 def leave_console(mac: Mac, undo: ExitStack) -> None:
     mac.run("chown", "root", "/dev/console")
     undo.callback(mac.run, "chown", "alice", "/dev/console")
 
 
-def test_what_goes_wrong_on_one_mac_is_told_and_the_others_are_done(
+def test_failures_on_some_macs_are_reported_and_the_others_are_done(
     macs: list[Mac], ansible: Ansible
 ) -> None:
     down, read_only, bare, stubborn, locked, unattended, *others = macs
@@ -72,7 +50,7 @@ def test_what_goes_wrong_on_one_mac_is_told_and_the_others_are_done(
     with ExitStack() as undo:
         take_down(down, undo)
         make_preferences_read_only(read_only, undo)
-        remove_agent(bare, undo)
+        undo.enter_context(bare.without_agent())
         stubborn.add_fault(UNLOAD_DAEMON)
         undo.callback(ansible.set_variables(locked.name, ansible_become_password="x").unlink)
         leave_console(unattended, undo)
@@ -81,17 +59,15 @@ def test_what_goes_wrong_on_one_mac_is_told_and_the_others_are_done(
         run = ansible.apply(server=NEW)
 
         check_messages(run, down, read_only, bare, stubborn, locked)
-        assert {mac.name: run.outcomes[mac.name].status for mac in [unattended, *others]} == each(
-            [unattended, *others], "changed"
-        ), run.output
+        changed = each([unattended, *others], "changed")
+        assert changed.items() <= run.statuses.items(), run.output
         for mac in others:
             assert (mac.settings()["server"], mac.loaded()) == (NEW, ALL_JOBS)
         assert (unattended.settings()["server"], unattended.loaded()) == (NEW, {DAEMON})
         assert (read_only.settings()["server"], read_only.loaded()) == (OLD, ALL_JOBS)
         assert (locked.settings()["server"], locked.loaded()) == (OLD, ALL_JOBS)
         stubborn.path("/var/lab/faults").write_text("")
-    agents = bare.run("find", "/Library", "-name", "com.quorvix.*")
-    assert agents == ""
+    assert bare.run("find", "/Library", "-name", "com.quorvix.*") == ""
     bare.reset()
 
     run = ansible.apply(server=NEW)
