@@ -37,8 +37,8 @@ def prepare(machine: Machine, edition: Edition, language: str) -> None:
     machine.install_profiles(edition.profile)
 
 
-class Tour:
-    """One way through the program, with a picture of each step."""
+class PicturedRun:
+    """A run through the program, with a picture of each step."""
 
     def __init__(self, program: Program, display: FramedDisplay, pictures: Path):
         self._program, self._display, self._pictures = program, display, pictures
@@ -47,7 +47,7 @@ class Tour:
     def _picture(self, window: Window, what: str) -> None:
         self._steps += 1
         file = self._pictures / f"{self._steps}-{what}.png"
-        self._display.portrait(window.number, file)
+        self._display.save_picture(window.number, file)
         print(file, flush=True)
 
     def from_login_to_apply(self, port: int) -> int:
@@ -79,8 +79,8 @@ def run_by_machine(edition: Edition, pictures: Path) -> int:
     with listen(SERVER) as server, tempfile.TemporaryDirectory() as folder:
         program = Program(display, Path(folder), edition=edition.oem)
         try:
-            tour = Tour(program, display, pictures)
-            status = tour.from_login_to_apply(server.getsockname()[1])
+            run = PicturedRun(program, display, pictures)
+            status = run.from_login_to_apply(server.getsockname()[1])
         finally:
             program.kill()
             display.close()

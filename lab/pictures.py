@@ -16,8 +16,8 @@ LANGUAGES = max((edition.languages for edition in EDITIONS.values()), key=len)
 TOTAL = sum(len(LANGUAGES) + len(edition.languages) + 1 for edition in EDITIONS.values())
 
 
-class Photographer:
-    """Takes one picture after the other and counts them on a terminal."""
+class Pictures:
+    """Takes the pictures, one after the other, and counts them on a terminal."""
 
     def __init__(self, folder: Path, scratch: Path):
         self._folder, self._scratch = folder, scratch
@@ -30,7 +30,7 @@ class Photographer:
 
     def _take(self, window: str, edition: Edition, name: str) -> None:
         file = self._folder / f"{edition.name.lower()}-{name}.png"
-        self._display.portrait(window, file)
+        self._display.save_picture(window, file)
         self.files.append(file)
         if sys.stderr.isatty():
             print(f"\r{len(self.files)} of {TOTAL} pictures", end="", file=sys.stderr, flush=True)
@@ -90,19 +90,19 @@ def main() -> None:
     parser.add_argument("folder", type=Path)
     folder = parser.parse_args().folder
     with tempfile.TemporaryDirectory() as scratch:
-        photographer = Photographer(folder, Path(scratch))
+        pictures = Pictures(folder, Path(scratch))
         try:
             for edition in EDITIONS.values():
                 for language in LANGUAGES:
-                    photographer.windows(edition, language)
-                photographer.refusal(edition)
+                    pictures.windows(edition, language)
+                pictures.refusal(edition)
         finally:
-            photographer.close()
+            pictures.close()
             if sys.stderr.isatty():
                 print(file=sys.stderr)
     sheet = folder / "contact-sheet.png"
-    contact_sheet(photographer.files, sheet)
-    subprocess.run(["optipng", "-quiet", "-strip", "all", *photographer.files, sheet], check=True)
+    contact_sheet(pictures.files, sheet)
+    subprocess.run(["optipng", "-quiet", "-strip", "all", *pictures.files, sheet], check=True)
 
 
 if __name__ == "__main__":

@@ -1,10 +1,11 @@
-"""A display of one's own."""
+"""A private X display."""
 
 import ctypes
 import os
 import subprocess
 from pathlib import Path
 from typing import NamedTuple
+
 
 class Geometry(NamedTuple):
     """A window on the screen."""
@@ -67,7 +68,7 @@ class Display:
         ).stdout
 
     def geometry(self, window: str) -> Geometry | None:
-        """Place and size of a window, if there is such a window."""
+        """Place and size of a window, if it exists."""
         text = self.xdotool("getwindowgeometry", "--shell", window)
         values = dict(line.split("=") for line in text.splitlines())
         names = ("X", "Y", "WIDTH", "HEIGHT")

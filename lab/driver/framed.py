@@ -10,11 +10,11 @@ from .display import Display, Geometry
 from .waiting import wait_until
 
 OPENBOX = Path(__file__).with_name("openbox")
-BLINK = 1.5  # seconds; the insertion point comes and goes once within
+BLINK = 1.5  # seconds in which the insertion point blinks at least once
 
 
 class FramedDisplay(Display):
-    """A display with a window manager. Keys go to the active window, not to that under the pointer."""
+    """A display with a window manager. Keys go to the active window, not to the one under the pointer."""
 
     def __init__(self) -> None:
         super().__init__()
@@ -46,16 +46,16 @@ class FramedDisplay(Display):
     def _shot(self, window: str) -> bytes:
         return self._output("import", "-frame", "-window", window, "-depth", "8", "ppm:-")
 
-    def portrait(self, window: str, file: Path) -> None:
-        """Writes a picture of a window, with its frame, once nothing in it changes any more.
+    def save_picture(self, window: str, file: Path) -> None:
+        """Writes a picture of a window, with its frame, once only the insertion point changes.
 
-        Only the insertion point may; the picture shows it: dark on white, it makes the darker one.
+        The picture shows the insertion point: it is the darkest of the shots.
         """
         shots: deque[tuple[float, bytes]] = deque()
         start = time.monotonic()
-        while (now := time.monotonic()) - start < BLINK or not self._is_at_rest(shots):
+        while (now := time.monotonic()) - start < BLINK or not self._is_steady(shots):
             if now - start > 20:
-                raise TimeoutError(f"{file.name}: the window does not come to rest")
+                raise TimeoutError(f"{file.name}: the window keeps changing")
             shots.append((now, self._shot(window)))
             while now - shots[0][0] > BLINK:
                 shots.popleft()
@@ -64,7 +64,7 @@ class FramedDisplay(Display):
         subprocess.run(["convert", "ppm:-", "-strip", f"png:{file}"], input=darkest, check=True)
 
     @staticmethod
-    def _is_at_rest(shots: deque[tuple[float, bytes]]) -> bool:
-        """Whether the shots are all the same, except for one thing that comes and goes."""
+    def _is_steady(shots: deque[tuple[float, bytes]]) -> bool:
+        """Whether the shots are all the same, except for one thing that blinks."""
         pictures = [shot for _, shot in shots]
         return len(set(pictures)) <= 2 and pictures[0] in pictures[len(pictures) // 2 :]

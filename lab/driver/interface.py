@@ -1,4 +1,4 @@
-"""Where the controls of an interface file are, so that tests name outlets and no pixels."""
+"""Where the controls of an interface file are, so that tests name outlets, not pixels."""
 
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
@@ -42,7 +42,7 @@ class Interface:
         return element
 
     def _frames(self, element: Element | None) -> list[Box]:
-        """The frames of an element and of everything that it is in, inside out."""
+        """The frames of an element and of its ancestors, innermost first."""
         frames = []
         while element is not None and element.tag != "window":
             if (frame := element.find("rect[@key='frame']")) is not None:

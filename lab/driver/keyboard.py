@@ -29,12 +29,12 @@ def has_selected_text(display: Display, window: Window, outlet: str) -> bool:
 
 
 def wait_for_keyboard(display: Display, window: Window) -> None:
-    """Waits until the settings window has the keyboard: its first field is the server's."""
+    """Waits until the settings window has the keyboard, which starts in the server field."""
     window.wait_until(lambda: has_selected_text(display, window, "servername"), "keyboard focus")
 
 
 def choose_with_keys(display: Display, window: Window, steps: int, key: str = "Return") -> None:
-    """Opens the pop-up that has the keyboard and takes the item so many places below."""
+    """Opens the pop-up that has the keyboard and chooses the item that many steps below."""
 
     def is_open() -> bool:
         return bool(display.xdotool("search", "--onlyvisible", "--name", "^Window$"))

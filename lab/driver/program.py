@@ -67,7 +67,7 @@ class Window:
         return bool(self._display.xdotool("search", "--onlyvisible", "--name", "^Window$"))
 
     def choose(self, outlet: str, steps: int) -> None:
-        """Takes the item of a pop-up that is so many places below (above: negative) the present.
+        """Chooses the item of a pop-up that many steps below the current one (above: negative).
 
         Each item is as high as the pop-up; the one under the pointer is highlighted.
         """
@@ -77,7 +77,7 @@ class Window:
         x += round(box.width / 4)
         display.xdotool("mousemove", x, y, "mousedown", 1)
         wait_until(self._menu_is_open, f"menu of {outlet}")
-        wait_until(lambda: display.pixel(x, y) == MENU_HIGHLIGHT, f"present item of {outlet}")
+        wait_until(lambda: display.pixel(x, y) == MENU_HIGHLIGHT, f"current item of {outlet}")
         y += steps * round(box.height)
         display.xdotool("mousemove", x, y)
         wait_until(lambda: display.pixel(x, y) == MENU_HIGHLIGHT, f"item of {outlet}")

@@ -1,4 +1,4 @@
-"""Waiting without sleeping blindly."""
+"""Polling for a condition."""
 
 import time
 from collections.abc import Callable
