@@ -38,8 +38,8 @@ class Place(NamedTuple):
 
 @dataclass
 class Shell:
-    """One shell of an Apply: what it runs, and what the program has printed and the machine is like
-    before it."""
+    """One shell of an Apply: what it runs, what the program has printed before it, and the state of
+    the machine then."""
 
     commands: list[Command]
     output: list[str]
@@ -49,7 +49,7 @@ class Shell:
 
 def _is_silenced(shell: list[Command], command: int) -> bool:
     """Whether the shell sends a command's error stream to the null device. In a pipeline that is
-    said of the last stage only."""
+    true of the last stage only."""
     is_first_stage = shell[command].argv[0] == "/bin/echo"
     return command > 0 and "> /dev/null" in shell[0].argv[2] and not is_first_stage
 
@@ -62,7 +62,7 @@ def _survivors(shell: list[Command], command: int) -> list[Command]:
 
 
 def _numeric_id(user: str) -> str:
-    """What `id` says about a name, on either stream, without newlines."""
+    """What `id` prints for a name, on either stream, without newlines."""
     result = subprocess.run(
         ["id", "-u", user],
         env=os.environ | {"LANG": LANGUAGE},

@@ -7,8 +7,9 @@ from pathlib import Path
 from typing import Any
 
 import pytest
+import tool
 from driver.display import Display
-from driver.machine import ACCOUNTS, Machine
+from driver.machine import ACCOUNTS, AGENT, DAEMON, Machine
 from driver.program import Program
 
 PICTURES = Path(os.environ.get("LAB_BUILD", "")) / "e2e"
@@ -29,6 +30,12 @@ def machine() -> Machine:
     result = Machine()
     result.reset()
     return result
+
+
+@pytest.fixture
+def running_agent(machine: Machine) -> None:
+    """For configure-agent: both jobs are loaded, over settings that differ from the requested ones."""
+    tool.prepare(machine, AGENT, DAEMON)
 
 
 @pytest.fixture(scope="session")

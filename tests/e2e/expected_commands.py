@@ -2,6 +2,7 @@
 file that it is expected to write."""
 
 from collections.abc import Callable, Collection
+from typing import Any
 
 from driver.editions import EDITIONS, Edition
 from driver.machine import ACCOUNTS, Account, Command
@@ -137,27 +138,40 @@ STOPS: tuple[Operation, ...] = (stop_agent, stop_daemon)
 STARTS: tuple[Operation, ...] = (start_daemon, start_agent)
 
 
-def apply_by_alice(
+def apply_commands(
+    runner: str,
+    admin: Account,
+    console: Account | None,
     edition: Edition = EDITIONS["Zentavo"],
     *,
-    lookup: bool = True,
     stops: Collection[Operation] = STOPS,
     reset: bool = False,
     starts: Collection[Operation] = STARTS,
 ) -> list[Command]:
+    """All commands of one Apply behind the look-up of the console user."""
+
+    def session(operation: Operation) -> list[Command]:
+        return operation(runner, console.name, console.uid) if console else []
+
+    return [
+        *session(check_agent),
+        *(session(stop_agent) if stop_agent in stops else []),
+        *check_daemon(runner, admin),
+        *(stop_daemon(runner, admin) if stop_daemon in stops else []),
+        *(reset_settings(runner, admin, edition) if reset else []),
+        *check_daemon(runner, admin),
+        *(start_daemon(runner, admin) if start_daemon in starts else []),
+        *session(check_agent),
+        *(session(start_agent) if start_agent in starts else []),
+    ]
+
+
+def apply_by_alice(
+    edition: Edition = EDITIONS["Zentavo"], *, lookup: bool = True, **options: Any
+) -> list[Command]:
     """All commands of one Apply."""
-    session = ALICE.name, ALICE.uid
     commands = console_lookup("alice", ALICE) if lookup else []
-    commands += check_agent("alice", *session)
-    commands += stop_agent("alice", *session) if stop_agent in stops else []
-    commands += check_daemon("alice", ALICE)
-    commands += stop_daemon("alice", ALICE) if stop_daemon in stops else []
-    commands += reset_settings("alice", ALICE, edition) if reset else []
-    commands += check_daemon("alice", ALICE)
-    commands += start_daemon("alice", ALICE) if start_daemon in starts else []
-    commands += check_agent("alice", *session)
-    commands += start_agent("alice", *session) if start_agent in starts else []
-    return commands
+    return commands + apply_commands("alice", ALICE, ALICE, edition, **options)
 
 
 def server_plist(language: str, server: str, port: str, profile: bool) -> bytes:

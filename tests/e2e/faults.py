@@ -1,4 +1,4 @@
-"""A program that is about to apply, and everything that a fault of it could leave behind."""
+"""The program about to apply, and everything that a fault could leave behind."""
 
 import os
 import re

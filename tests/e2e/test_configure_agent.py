@@ -13,6 +13,7 @@ from pathlib import Path
 
 import pytest
 import tool
+from driver.commands import run as run_command
 from driver.editions import EDITIONS
 from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, Machine
 from driver.paths import LAB, REPOSITORY
@@ -20,40 +21,37 @@ from driver.waiting import wait_until
 from expected_commands import (
     DAEMON_FILE,
     RESET_FILES,
+    STARTS,
     server_plist,
-    start_agent,
-    start_daemon,
     stop_agent,
     stop_daemon,
 )
 from status_messages import said
-from tool import APPLY, NEW_SERVER, checks, looks, run, sequence
+from tool import (
+    APPLY,
+    BOTH,
+    DAEMON_SETTINGS,
+    NEW,
+    NEW_SERVER,
+    OLD,
+    OLD_SERVER,
+    SETTINGS,
+    checks,
+    looks,
+    run,
+    sequence,
+)
 
-OLD = server_plist("fr", "192.0.2.1", "4000", False)
-NEW = server_plist("fr", NEW_SERVER, "4000", False)
-SETTINGS = EDITIONS["Zentavo"].settings
 DAEMON_EXECUTABLE = f"{SETTINGS.parent}/SystemAgentDaemon"
-AS_REQUESTED: dict[str, object] = {
+WANTED: dict[str, object] = {
     "server": NEW_SERVER,
     "port": 4000,
     "language": "fr",
     "profile": False,
-    "daemon": True,
-    "agent": True,
-    "console": "alice",
-    "unfinished": False,
 }
-WANTED: dict[str, object] = {
-    name: AS_REQUESTED[name] for name in ("server", "port", "language", "profile")
-}
+AS_REQUESTED = WANTED | {"daemon": True, "agent": True, "console": "alice", "unfinished": False}
 
-
-@pytest.fixture(autouse=True)
-def running_agent(machine: Machine) -> None:
-    """Both jobs are loaded, with settings that differ from the requested ones."""
-    tool.forget_runs()
-    machine.write_server_plist(OLD)
-    machine.load(AGENT, DAEMON)
+pytestmark = pytest.mark.usefixtures("running_agent")
 
 
 @pytest.fixture
@@ -66,29 +64,24 @@ def nobody_at_console() -> Iterator[None]:
 
 
 @pytest.mark.parametrize(("agent", "daemon", "reset"), product([False, True], repeat=3))
-def test_apply_runs_the_defined_commands_between_two_looks(
+def test_apply_runs_the_defined_commands_between_two_observations(
     machine: Machine, agent: bool, daemon: bool, reset: bool
 ) -> None:
-    machine.reset()
-    machine.write_server_plist(OLD)
-    machine.load(*([AGENT] if agent else []), *([DAEMON] if daemon else []))
+    tool.prepare(machine, *([AGENT] if agent else []), *([DAEMON] if daemon else []))
     result = run(*APPLY, *(["--reset"] if reset else []))
     assert result.status == 0
-    stops: tool.Operations = (*([stop_agent] if agent else []), *([stop_daemon] if daemon else []))
+    stops = [*([stop_agent] if agent else []), *([stop_daemon] if daemon else [])]
     assert machine.journal() == [*looks(), *sequence(stops=stops, reset=reset), *checks()]
     assert result.report == {
         "changed": True,
-        "before": AS_REQUESTED | {"server": "192.0.2.1", "daemon": daemon, "agent": agent},
+        "before": AS_REQUESTED | {"server": OLD_SERVER, "daemon": daemon, "agent": agent},
         "after": AS_REQUESTED,
         "wanted": WANTED,
         "problems": [],
     }
-    assert result.errors.splitlines() == [
-        "USER=alice uid=501",
-        *said(*stops, start_daemon, start_agent),
-    ]
+    assert result.errors.splitlines() == ["USER=alice uid=501", *said(*stops, *STARTS)]
     assert SERVER_PLIST.read_bytes() == NEW
-    assert machine.loaded() == {AGENT, DAEMON}
+    assert machine.loaded() == BOTH
 
 
 @pytest.mark.parametrize("edition", EDITIONS)
@@ -100,11 +93,8 @@ def test_each_edition_has_its_own_tool(machine: Machine, edition: str) -> None:
     result = run(*APPLY, *arguments, edition=edition)
     assert result.status == 0
     assert SERVER_PLIST.read_bytes() == server_plist(language, NEW_SERVER, "6001", True)
-    assert machine.journal() == [
-        *looks(edition=edition),
-        *sequence(edition=edition, reset=True),
-        *checks(),
-    ]
+    apply = sequence(edition=edition, reset=True)
+    assert machine.journal() == [*looks(edition=edition), *apply, *checks()]
     assert [file.name for file in row.settings.iterdir()] == ["daemon.settings.xml"]
     project = (REPOSITORY / "CMakeLists.txt").read_text().split("project(", 1)[1]
     version = re.findall(r"VERSION ([\d.]+)", project)[0]
@@ -114,22 +104,21 @@ def test_each_edition_has_its_own_tool(machine: Machine, edition: str) -> None:
 
 @pytest.mark.parametrize("edition", EDITIONS)
 def test_the_tool_links_no_windows(edition: str) -> None:
-    command = ["ldd", str(tool.path(edition))]
-    libraries = subprocess.run(command, capture_output=True, text=True, check=True).stdout
+    libraries = run_command("ldd", tool.path(edition)).stdout
     assert "libgnustep-base" in libraries
     assert "libgnustep-gui" not in libraries
     assert "libX11" not in libraries
 
 
-def test_apply_does_nothing_when_everything_is_as_requested_already(machine: Machine) -> None:
+def test_apply_does_nothing_where_everything_is_as_requested(machine: Machine) -> None:
     assert run(*APPLY).status == 0
     written = SERVER_PLIST.stat().st_mtime_ns
     ran = len(machine.journal())
     result = run(*APPLY)
     assert result.status == 0
-    assert result.report == {
-        "changed": False, "before": AS_REQUESTED, "after": AS_REQUESTED, "wanted": WANTED, "problems": []
-    }
+    report = result.report
+    assert (report["changed"], report["wanted"], report["problems"]) == (False, WANTED, [])
+    assert report["before"] == report["after"] == AS_REQUESTED
     assert machine.journal()[ran:] == looks()
     assert SERVER_PLIST.stat().st_mtime_ns == written
     assert result.errors == ""
@@ -147,8 +136,9 @@ def test_a_file_that_the_agent_has_rewritten_with_equal_values_counts_as_unchang
 
 
 @pytest.mark.parametrize(
-    ("name", "value"), [("port", "4000"), ("server", "192.0.2.1"), ("language", "en"),
-                        ("profile", True), ("profile", 0), ("port", 4000.0)],
+    ("name", "value"),
+    [("server", OLD_SERVER), ("language", "en"), ("profile", True), ("profile", 0)]
+    + [("port", "4000"), ("port", 4000.0)],
 )
 def test_a_stored_value_that_differs_or_has_another_type_is_replaced(
     machine: Machine, name: str, value: object
@@ -193,8 +183,8 @@ def test_a_dry_run_changes_nothing(machine: Machine, verb: str, tmp_path: Path) 
     home = {**tool.ENVIRONMENT, "HOME": str(tmp_path)}
     result = run(verb, *(["--server", NEW_SERVER] if verb == "check" else []), "--json", env=home)
     assert machine_files() == before
-    assert machine.loaded() == {AGENT, DAEMON}
-    present = AS_REQUESTED | {"server": "192.0.2.1"}
+    assert machine.loaded() == BOTH
+    present = AS_REQUESTED | {"server": OLD_SERVER}
     assert result.report["before"] == present
     if verb == "show":
         assert machine.journal() == looks()[len(looks()) - len(checks()) - 4 :]
@@ -205,25 +195,17 @@ def test_a_dry_run_changes_nothing(machine: Machine, verb: str, tmp_path: Path) 
         assert (result.status, result.report["after"]) == (1, AS_REQUESTED)
         assert result.report["wanted"] == WANTED
         assert result.report["changed"] is True
-        assert result.report["problems"] == [
-            f"the stored server is 192.0.2.1 (requested: {NEW_SERVER})"
-        ]
+        problem = f"the stored server is {OLD_SERVER} (requested: {NEW_SERVER})"
+        assert result.report["problems"] == [problem]
 
 
-def test_check_agrees_when_everything_is_as_requested(machine: Machine) -> None:
+def test_check_agrees_where_everything_is_as_requested_and_shows_people_a_table(
+    machine: Machine,
+) -> None:
     machine.write_server_plist(NEW)
-    result = run("check", "--server", NEW_SERVER, "--json")
-    assert (result.status, result.report["changed"], result.report["problems"]) == (0, False, [])
-
-
-def test_people_get_a_table(machine: Machine) -> None:
     result = run("check", "--server", NEW_SERVER)
-    assert result.status == 1
-    assert result.output.splitlines()[:3] == [
-        "changed     yes",
-        f"server      192.0.2.1 -> {NEW_SERVER}",
-        "port        4000",
-    ]
+    assert result.status == 0
+    assert result.output.startswith(f"changed     no\nserver      {NEW_SERVER}\n")
 
 
 def test_without_a_user_at_the_console_the_per_user_job_is_left_alone(
@@ -235,7 +217,7 @@ def test_without_a_user_at_the_console_the_per_user_job_is_left_alone(
         *looks(console=False), *sequence(console=False), *checks(console=False)
     ]
     assert result.report["after"] == AS_REQUESTED | {"agent": None, "console": None}
-    assert machine.loaded() == {AGENT, DAEMON}
+    assert machine.loaded() == BOTH
     assert run(*APPLY).report["changed"] is False
 
 
@@ -259,27 +241,12 @@ def test_a_stored_port_that_no_port_may_be_has_to_be_named(machine: Machine) -> 
     "arguments",
     [
         ("apply",),
-        ("apply", "--server"),
-        ("apply", "--server", ""),
-        ("apply", "--server", "-mdm"),
-        ("apply", "--server", 'a"; id; "'),
         ("apply", "--server", "$(id)"),
-        ("apply", "--server", "`id`"),
-        ("apply", "--server", "a b"),
-        ("apply", "--server", "a\nb"),
         ("apply", "--server", b"\xff"),
-        ("apply", "--server", "x" * 100000),
-        ("apply", "--server", "mdm", "--port", "65536"),
-        ("apply", "--server", "mdm", "--port", "1; id"),
         ("apply", "--server", "mdm", "--language", "de"),
-        ("apply", "--server", "mdm", "--language", "../en"),
-        ("apply", "--server", "mdm", "--password", "x"),
-        ("apply", "--server", "mdm", "alice", "501"),
-        ("check", "--server", "mdm", "--force"),
         ("show", "--server", "mdm"),
-        ("remove",),
     ],
-    ids=lambda arguments: str(arguments[1:])[:40],
+    ids=str,
 )
 def test_a_bad_command_line_runs_no_command(
     machine: Machine, arguments: tuple[str | bytes, ...]
@@ -298,18 +265,15 @@ def test_a_bad_command_line_runs_no_command(
     "verb", [("show",), ("check", "--server", "mdm"), ("apply", "--server", "mdm")]
 )
 def test_only_root_may_use_it(machine: Machine, verb: tuple[str, ...]) -> None:
-    command = [str(LAB / "login"), "alice", str(tool.path()), *verb]
-    result = subprocess.run(command, capture_output=True, text=True, check=False, timeout=30)
+    result = run_command(LAB / "login", "alice", tool.path(), *verb)
     assert (result.returncode, result.stdout) == (77, "")
     assert result.stderr == "configure-agent: must be run as root\n"
     assert machine.journal() == []
 
 
-def test_an_administrators_sudo_makes_it_roots(machine: Machine) -> None:
-    command = [str(LAB / "login"), "alice", "/usr/bin/sudo", "-S", str(tool.path()), *APPLY]
-    result = subprocess.run(
-        command, input="alice-pw\n", capture_output=True, text=True, check=False, timeout=30
-    )
+def test_an_administrator_runs_it_through_sudo(machine: Machine) -> None:
+    command = [LAB / "login", "alice", "/usr/bin/sudo", "-S", tool.path(), *APPLY]
+    result = run_command(*command, input="alice-pw\n")
     assert result.returncode == 0, result.stderr
     assert SERVER_PLIST.read_bytes() == NEW
     assert machine.journal()[-len(checks()) :] == checks()
@@ -339,20 +303,18 @@ def owner_and_mode(file: Path) -> tuple[int, int, int]:
 def test_a_reset_leaves_the_daemons_settings_to_their_owner(
     machine: Machine, kept: tuple[int, int, int]
 ) -> None:
-    file = SETTINGS / "daemon.settings.xml"
-    os.chown(file, kept[0], kept[1])
-    file.chmod(kept[2])
+    os.chown(DAEMON_SETTINGS, kept[0], kept[1])
+    DAEMON_SETTINGS.chmod(kept[2])
     assert run(*APPLY, "--reset").status == 0
-    assert owner_and_mode(file) == kept
-    assert "default" in file.read_text()
+    assert owner_and_mode(DAEMON_SETTINGS) == kept
+    assert "default" in DAEMON_SETTINGS.read_text()
 
 
 def test_a_reset_gives_missing_settings_to_the_owner_of_their_folder(machine: Machine) -> None:
-    file = SETTINGS / "daemon.settings.xml"
-    file.unlink()
+    DAEMON_SETTINGS.unlink()
     os.chown(SETTINGS, 502, 80)
     assert run(*APPLY, "--reset").status == 0
-    assert owner_and_mode(file) == (502, 80, 0o664)
+    assert owner_and_mode(DAEMON_SETTINGS) == (502, 80, 0o664)
     assert not any((SETTINGS / name).exists() for name in RESET_FILES)
 
 
@@ -395,7 +357,7 @@ def system_log() -> Iterator[Callable[[], list[str]]]:
     Path("/dev/log").unlink()
 
 
-def test_every_act_is_one_line_in_the_system_log(
+def test_every_change_is_one_line_in_the_system_log(
     machine: Machine, system_log: Callable[[], list[str]]
 ) -> None:
     for arguments in (APPLY, APPLY, ("check", "--server", "mdm"), ("show",), ("apply",)):
@@ -404,7 +366,7 @@ def test_every_act_is_one_line_in_the_system_log(
     run("apply", "--server", "::1", "--port", "1", "--language", "en", "--reset")
     lines = [line.split("]: ", 1)[1] for line in system_log()]
     assert lines == [
-        "applied server=192.0.2.10 port=4000 language=fr profile=no reset=no: effective",
+        f"applied server={NEW_SERVER} port=4000 language=fr profile=no reset=no: effective",
         "applied server=::1 port=1 language=en profile=no reset=yes: not effective",
     ]
 
@@ -424,7 +386,7 @@ def test_the_callers_environment_chooses_no_commands(machine: Machine, tmp_path:
     assert machine.journal() == [*looks(), *sequence(), *checks()]
 
 
-def test_a_folder_that_keeps_its_settings_is_named_and_the_jobs_run_again(machine: Machine) -> None:
+def test_a_file_that_cannot_be_written_is_named_and_the_jobs_run_again(machine: Machine) -> None:
     subprocess.run(["mount", "--bind", PREFERENCES, PREFERENCES], check=True)
     try:
         subprocess.run(["mount", "-o", "remount,bind,ro", PREFERENCES], check=True)
@@ -433,9 +395,9 @@ def test_a_folder_that_keeps_its_settings_is_named_and_the_jobs_run_again(machin
         subprocess.run(["umount", PREFERENCES], check=True)
     assert result.status == 1
     assert result.report["problems"] == [
-        f"the stored server is 192.0.2.1 (requested: {NEW_SERVER})",
+        f"the stored server is {OLD_SERVER} (requested: {NEW_SERVER})",
         "server.plist cannot be written: Read-only file system",
     ]
     assert result.report["after"]["unfinished"] is True
-    assert machine.loaded() == {AGENT, DAEMON}
+    assert machine.loaded() == BOTH
     assert run(*APPLY).status == 0

@@ -1,5 +1,5 @@
-"""configure-agent when something goes wrong in the middle: interrupted, two at once, jobs that do
-not stop or start. The next run puts everything right."""
+"""configure-agent when something goes wrong in the middle: interrupted, two at once, jobs that do not stop
+or start. The next run repairs everything."""
 
 import os
 import shutil
@@ -9,24 +9,25 @@ import time
 
 import pytest
 import tool
-from driver.editions import EDITIONS
-from driver.machine import AGENT, DAEMON, SERVER_PLIST, Machine
+from driver.machine import SERVER_PLIST, Machine
 from driver.waiting import wait_until
-from expected_commands import RESET_FILES, server_plist
-from tool import APPLY, NEW_SERVER, apply_to, checks, finish, looks, run, sequence
+from expected_commands import RESET_FILES
+from tool import (
+    APPLY,
+    BOTH,
+    DAEMON_SETTINGS,
+    NEW,
+    NEW_SERVER,
+    SETTINGS,
+    apply_to,
+    checks,
+    finish,
+    looks,
+    run,
+    sequence,
+)
 
-OLD = server_plist("fr", "192.0.2.1", "4000", False)
-NEW = server_plist("fr", NEW_SERVER, "4000", False)
-SETTINGS = EDITIONS["Zentavo"].settings
-DAEMON_SETTINGS = SETTINGS / "daemon.settings.xml"
-BOTH = {AGENT, DAEMON}
-
-
-@pytest.fixture(autouse=True)
-def running_agent(machine: Machine) -> None:
-    tool.forget_runs()
-    machine.write_server_plist(OLD)
-    machine.load(AGENT, DAEMON)
+pytestmark = pytest.mark.usefixtures("running_agent")
 
 
 def wait_for(machine: Machine, line: str) -> None:
@@ -38,12 +39,12 @@ def wait_for(machine: Machine, line: str) -> None:
     wait_until(was_called, line)
 
 
-@pytest.mark.parametrize("mark_asks_for_it", [True, False])
-def test_an_interrupted_reset_is_finished_by_a_run_that_was_not_asked_to(
-    machine: Machine, mark_asks_for_it: bool
+@pytest.mark.parametrize("with_option", [True, False])
+def test_an_interrupted_reset_is_finished_by_the_next_run_even_without_the_option(
+    machine: Machine, with_option: bool
 ) -> None:
     machine.add_fault("SystemAgentDaemon", times=1, delay=0.5, exit=1)
-    arguments = ("--reset",) if mark_asks_for_it else ()
+    arguments = ("--reset",) if with_option else ()
     process = tool.start(*apply_to(NEW_SERVER, "--reset"))
     wait_for(machine, f"{SETTINGS.parent}/SystemAgentDaemon daemon exit")
     process.kill()
@@ -97,7 +98,7 @@ def test_what_ends_other_programs_does_not_reach_a_run_that_acts(
 
 @pytest.mark.parametrize("leads_a_session", [False, True], ids=["in the engine's group", "leader"])
 def test_a_lost_connection_leaves_no_job_stopped(machine: Machine, leads_a_session: bool) -> None:
-    # Every command of the sequence has something to say, and nobody hears it any more.
+    # Every command of the sequence prints something, and nobody reads it any more.
     machine.add_fault("launchctl", "unload -w", delay=0.2, stderr=60000)
     machine.add_fault("launchctl", "load -w", stderr=60000)
     process = tool.start(*APPLY, start_new_session=leads_a_session)
@@ -111,9 +112,8 @@ def test_a_lost_connection_leaves_no_job_stopped(machine: Machine, leads_a_sessi
     assert SERVER_PLIST.read_bytes() == NEW
 
 
-def test_an_engine_that_closes_every_stream_gets_its_work_done(machine: Machine) -> None:
-    command = 'exec "$@" <&- >&- 2>&-'
-    line = ["/bin/bash", "-c", command, "-", str(tool.path()), *APPLY]
+def test_with_every_stream_closed_it_still_applies(machine: Machine) -> None:
+    line = ["/bin/bash", "-c", 'exec "$@" <&- >&- 2>&-', "-", str(tool.path()), *APPLY]
     subprocess.run(line, env=tool.ENVIRONMENT, check=True, timeout=30)
     assert machine.loaded() == BOTH
     assert SERVER_PLIST.read_bytes() == NEW
@@ -121,15 +121,7 @@ def test_an_engine_that_closes_every_stream_gets_its_work_done(machine: Machine)
 
 def test_messages_come_in_order_before_the_report(machine: Machine) -> None:
     machine.add_fault("launchctl", "^/bin/launchctl unload", stderr=3)
-    both = subprocess.run(
-        [tool.path(), *APPLY],
-        env=tool.ENVIRONMENT,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.STDOUT,
-        text=True,
-        check=True,
-        timeout=30,
-    ).stdout.splitlines()
+    both = tool.run(*APPLY, stderr=subprocess.STDOUT).output.splitlines()
     assert both[:5] == [
         "USER=alice uid=501",
         "eeeGlobal Agent stop successfully.",
@@ -140,7 +132,7 @@ def test_messages_come_in_order_before_the_report(machine: Machine) -> None:
     assert both[5].startswith('{"changed":true') and len(both) == 6
 
 
-def test_a_second_run_gives_way_at_once(machine: Machine) -> None:
+def test_a_second_run_ends_at_once(machine: Machine) -> None:
     machine.add_fault("launchctl", "^/bin/launchctl unload", times=1, delay=1)
     first = tool.start(*APPLY)
     wait_for(machine, "/bin/launchctl unload")
@@ -157,16 +149,14 @@ def test_a_second_run_gives_way_at_once(machine: Machine) -> None:
 
 
 OPERATIONS = {
-    "agent stops": "unload -w /Library/LaunchAgents",
-    "daemon stops": "unload -w /Library/LaunchDaemons",
-    "daemon starts": "load -w /Library/LaunchDaemons",
-    "agent starts": "load -w /Library/LaunchAgents",
-}
-PROBLEMS = {
-    "agent stops": "the per-user job of alice did not stop, so it runs with its old settings",
-    "daemon stops": "the daemon's job did not stop, so it runs with its old settings",
-    "daemon starts": "the daemon's job is not loaded",
-    "agent starts": "the per-user job of alice is not loaded",
+    "unload -w /Library/LaunchAgents": (
+        "the per-user job of alice did not stop, so it runs with its old settings"
+    ),
+    "unload -w /Library/LaunchDaemons": (
+        "the daemon's job did not stop, so it runs with its old settings"
+    ),
+    "load -w /Library/LaunchDaemons": "the daemon's job is not loaded",
+    "load -w /Library/LaunchAgents": "the per-user job of alice is not loaded",
 }
 
 
@@ -175,10 +165,10 @@ PROBLEMS = {
 def test_a_job_that_does_not_stop_or_start_is_a_failure_and_the_next_run_acts_again(
     machine: Machine, operation: str, status: int
 ) -> None:
-    machine.add_fault("launchctl", f"^/bin/launchctl {OPERATIONS[operation]}", times=1, exit=status)
+    machine.add_fault("launchctl", f"^/bin/launchctl {operation}", times=1, exit=status)
     failed = run(*APPLY)
     assert failed.status == 1
-    assert failed.report["problems"] == [PROBLEMS[operation]]
+    assert failed.report["problems"] == [OPERATIONS[operation]]
     assert failed.report["after"]["unfinished"] is True
     assert run("check", "--server", NEW_SERVER, "--json").status == 1
     ran = len(machine.records())

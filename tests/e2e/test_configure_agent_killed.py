@@ -1,36 +1,27 @@
-"""configure-agent killed at moments all over its run. The next run repairs everything."""
+"""configure-agent killed at moments spread over its run. The next run repairs everything."""
 
 import time
 from itertools import cycle
 
+import pytest
 import tool
-from driver.editions import EDITIONS
-from driver.machine import AGENT, DAEMON, SERVER_PLIST, Machine
-from expected_commands import RESET_FILES, server_plist
-from tool import NEW_SERVER, apply_to, run
+from driver.machine import SERVER_PLIST, Machine
+from expected_commands import RESET_FILES
+from tool import BOTH, DAEMON_SETTINGS, NEW_SERVER, OLD_SERVER, SETTINGS, apply_to, run, stored
 
-SETTINGS = EDITIONS["Zentavo"].settings
-DAEMON_SETTINGS = SETTINGS / "daemon.settings.xml"
-BOTH = {AGENT, DAEMON}
 KILLS = 110
 
 
-def stored(server: str) -> bytes:
-    return server_plist("fr", server, "4000", False)
-
-
-def test_killed_at_any_moment_it_leaves_a_whole_file_and_the_next_run_repairs_everything(
-    machine: Machine
+@pytest.mark.usefixtures("running_agent")
+def test_killed_at_any_moment_it_leaves_a_complete_file_and_the_next_run_repairs_everything(
+    machine: Machine,
 ) -> None:
-    tool.forget_runs()
-    machine.write_server_plist(stored("192.0.2.1"))
-    machine.load(AGENT, DAEMON)
     began = time.monotonic()
     assert run(*apply_to(NEW_SERVER, "--reset")).status == 0
     length = time.monotonic() - began
     previous = NEW_SERVER
     stopped = 0
-    for number, server in zip(range(KILLS), cycle(["192.0.2.1", NEW_SERVER])):
+    for number, server in zip(range(KILLS), cycle([OLD_SERVER, NEW_SERVER])):
         for name in RESET_FILES:
             (SETTINGS / name).write_text("installed")
         process = tool.start(*apply_to(server, "--reset"))
@@ -49,4 +40,4 @@ def test_killed_at_any_moment_it_leaves_a_whole_file_and_the_next_run_repairs_ev
         third = run(*apply_to(server, "--reset"))
         assert (third.status, third.report["changed"]) == (0, False)
         previous = server
-    assert stopped > KILLS / 10  # the moments were those in which it matters
+    assert stopped > KILLS / 10  # the kills came while jobs were stopped

@@ -1,5 +1,5 @@
-"""Faults of Apply: of each command that it runs, of the folder and the file that it writes, and its
-own death. Alive, it always runs to its end; the file is always the old or the new one."""
+"""Faults during Apply: in each command that it runs, in the folder and the file that it writes, and the
+program killed. Unless killed it runs to its end; the file is always the old or the new one."""
 
 import os
 import re
@@ -14,7 +14,7 @@ from apply_model import NOISE, ApplyModel, Place
 from driver.machine import PREFERENCES, SERVER_PLIST, Machine
 from driver.program import Program, Window
 from driver.waiting import wait_until
-from expected_commands import ALICE, server_plist
+from expected_commands import server_plist
 
 pytest.register_assert_rewrite("faults")
 
@@ -32,7 +32,7 @@ def place_name(place: Place) -> str:
 
 
 def other_files() -> list[str]:
-    """What else is where the file is."""
+    """The other files in its folder."""
     return [file.name for file in PREFERENCES.iterdir() if file != SERVER_PLIST]
 
 
@@ -68,7 +68,7 @@ def test_the_matrix_has_all_commands() -> None:
     [{"exit": 1}, {"signal": signal.SIGTERM}, {"signal": signal.SIGKILL}],
     ids=["exit", "SIGTERM", "SIGKILL"],
 )
-def test_a_command_that_ends_early_costs_no_other_step(
+def test_a_command_that_ends_early_skips_no_other_step(
     ready: Ready, tried: Tried, place: Place, fault: dict[str, int]
 ) -> None:
     ready.add_fault(place, **fault)
@@ -146,7 +146,7 @@ def trace_file_accesses(ready: Ready, *options: str) -> list[str]:
         return re.findall(r"^(\w+)\(", tracer.stderr.read(), re.MULTILINE)
 
 
-def test_when_it_is_killed_while_it_writes_the_file_is_whole(
+def test_when_it_is_killed_while_it_writes_the_file_is_complete(
     ready: Ready, machine: Machine, start: Start, tried: Tried
 ) -> None:
     calls = trace_file_accesses(ready)
@@ -166,17 +166,9 @@ def test_when_it_is_killed_while_it_writes_the_file_is_whole(
         tried(("death", i))
         if content == NEW:
             break
-    # At least a file of its own was made, written and renamed before.
+    # Before that, at least a temporary file was created, written and renamed.
     assert content == NEW
     assert i > 3
-
-
-def mount(*options: str) -> None:
-    """Mounts a file system of its own, with the old file, over the folder."""
-    listed = ",".join(("mode=775", f"gid={PREFERENCES.stat().st_gid}", *options))
-    subprocess.run(["mount", "-t", "tmpfs", "-o", listed, "faults", PREFERENCES], check=True)
-    SERVER_PLIST.write_bytes(OLD)
-    os.chown(SERVER_PLIST, ALICE.uid, -1)
 
 
 @pytest.fixture
@@ -187,102 +179,39 @@ def restored() -> Iterator[None]:
     subprocess.run(["rm", "-rf", PREFERENCES, ELSEWHERE], check=True)
 
 
-def folder_missing() -> None:
-    SERVER_PLIST.unlink()
-    PREFERENCES.rmdir()
-
-
-def folder_read_only() -> None:
-    PREFERENCES.chmod(0o555)
-
-
-def folder_on_read_only_volume() -> None:
-    mount()
-    subprocess.run(["mount", "-o", "remount,ro", PREFERENCES], check=True)
-
-
-def folder_linked() -> None:
-    PREFERENCES.rename(ELSEWHERE)
-    PREFERENCES.symlink_to(ELSEWHERE)
-
-
-def folder_linked_to_nothing() -> None:
-    folder_missing()
-    PREFERENCES.symlink_to(ELSEWHERE)
-
-
-def folder_is_a_file() -> None:
-    folder_missing()
-    PREFERENCES.touch()
-
-
-def file_missing() -> None:
-    SERVER_PLIST.unlink()
-
-
-def file_present() -> None:
-    assert SERVER_PLIST.read_bytes() == OLD
-
-
-def file_read_only() -> None:
-    SERVER_PLIST.chmod(0o444)
-
-
-def file_of_root() -> None:
-    os.chown(SERVER_PLIST, 0, 0)
-    SERVER_PLIST.chmod(0o600)
-
-
-def file_with_a_second_name() -> None:
-    ELSEWHERE.hardlink_to(SERVER_PLIST)
-
-
-def file_linked() -> None:
-    SERVER_PLIST.rename(ELSEWHERE)
-    SERVER_PLIST.symlink_to(ELSEWHERE)
-
-
-def file_linked_to_nothing() -> None:
-    SERVER_PLIST.unlink()
-    SERVER_PLIST.symlink_to(ELSEWHERE)
-
-
-def file_is_a_folder() -> None:
-    SERVER_PLIST.unlink()
-    SERVER_PLIST.mkdir()
-
-
-def file_is_a_folder_with_content() -> None:
-    file_is_a_folder()
-    (SERVER_PLIST / "content").touch()
-
-
-RESULTS: dict[Callable[[], None], str | int] = {
-    folder_missing: "No such file or directory",
-    folder_read_only: "Permission denied",
-    folder_on_read_only_volume: "Read-only file system",
-    folder_linked: 0o644,
-    folder_linked_to_nothing: "No such file or directory",
-    folder_is_a_file: "Not a directory",
-    file_missing: 0o644,
-    file_present: 0o644,
-    file_read_only: 0o444,
-    file_of_root: 0o600,
-    file_with_a_second_name: 0o644,
-    file_linked: 0o644,
-    file_linked_to_nothing: 0o644,
-    file_is_a_folder: "Is a directory",
-    file_is_a_folder_with_content: "Is a directory",
+# What is done to folder and file, and the error, or the permissions of the new file.
+STATES: dict[str, tuple[str, str | int]] = {
+    "folder missing": ("rm $FILE; rmdir $FOLDER", "No such file or directory"),
+    "folder without permission": ("chmod 555 $FOLDER", "Permission denied"),
+    "folder on a read-only volume": (
+        "mount --bind $FOLDER $FOLDER; mount -o remount,bind,ro $FOLDER",
+        "Read-only file system",
+    ),
+    "folder linked": ("mv $FOLDER $ELSEWHERE; ln -s $ELSEWHERE $FOLDER", 0o644),
+    "folder linked to nothing": (
+        "rm $FILE; rmdir $FOLDER; ln -s $ELSEWHERE $FOLDER",
+        "No such file or directory",
+    ),
+    "folder is a file": ("rm $FILE; rmdir $FOLDER; touch $FOLDER", "Not a directory"),
+    "file missing": ("rm $FILE", 0o644),
+    "file present": ("test -f $FILE", 0o644),
+    "file read-only": ("chmod 444 $FILE", 0o444),
+    "file of root": ("chown root:root $FILE; chmod 600 $FILE", 0o600),
+    "file with a second name": ("ln $FILE $ELSEWHERE", 0o644),
+    "file linked": ("mv $FILE $ELSEWHERE; ln -s $ELSEWHERE $FILE", 0o644),
+    "file linked to nothing": ("rm $FILE; ln -s $ELSEWHERE $FILE", 0o644),
+    "file is a folder": ("rm $FILE; mkdir $FILE", "Is a directory"),
+    "file is a folder with content": ("rm $FILE; mkdir $FILE; touch $FILE/x", "Is a directory"),
 }
 
 
-@pytest.mark.parametrize(
-    ("disturb", "result"), RESULTS.items(), ids=[disturb.__name__ for disturb in RESULTS]
-)
+@pytest.mark.parametrize("state", STATES)
 def test_the_file_is_new_or_nothing_has_changed(
-    ready: Ready, restored: None, tried: Tried, disturb: Callable[[], None], result: str | int
+    ready: Ready, restored: None, tried: Tried, state: str
 ) -> None:
-    disturb()
+    script, result = STATES[state]
+    paths = {"FOLDER": str(PREFERENCES), "FILE": str(SERVER_PLIST), "ELSEWHERE": str(ELSEWHERE)}
+    subprocess.run(["/bin/bash", "-e", "-c", script], env=os.environ | paths, check=True)
     before = entries()
     ready.apply()
     if isinstance(result, str):
@@ -291,7 +220,7 @@ def test_the_file_is_new_or_nothing_has_changed(
     else:
         ready.check_end()
         assert entries() == after_apply(before, result, NEW)
-    tried(disturb)
+    tried(state)
 
 
 @pytest.mark.parametrize(
@@ -309,7 +238,7 @@ def test_a_file_that_does_not_fit_is_not_begun(
     names: int,
     fits: bool,
 ) -> None:
-    # The window is there when its field is white, which no field with so long a text is.
+    # A window counts as open when its field is white, which a field with so long a text is not.
     def settings_window(program: Program) -> Window:
         return program.window("ServerWindowController", "port")
 
@@ -318,7 +247,10 @@ def test_a_file_that_does_not_fit_is_not_begun(
     ready = Ready(machine, start, server_plist("fr", server, "4000", True))
     ready.window.choose("mode", 1)
     SERVER_PLIST.unlink()
-    mount(f"size={(pages + 2) * PAGE}", f"nr_inodes={names + 3}")
+    group = PREFERENCES.stat().st_gid
+    options = f"mode=775,gid={group},size={(pages + 2) * PAGE},nr_inodes={names + 3}"
+    subprocess.run(["mount", "-t", "tmpfs", "-o", options, "faults", PREFERENCES], check=True)
+    machine.write_server_plist(OLD)
     (PREFERENCES / "filler").write_bytes(bytes(PAGE))
     free = os.statvfs(PREFERENCES)
     assert (free.f_bavail, free.f_ffree) == (pages, names)

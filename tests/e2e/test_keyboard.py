@@ -1,4 +1,4 @@
-"""Everything that the windows offer, with the keyboard alone."""
+"""Everything that the windows offer, with the keyboard alone. Alt is the Command key here."""
 
 from collections.abc import Callable, Iterator
 
@@ -9,8 +9,6 @@ from driver.machine import SERVER_PLIST, Machine, listen
 from driver.program import Program, Window
 from expected_commands import ALICE, apply_by_alice, port_test, profile_check, server_plist
 
-Start = Callable[..., Program]
-LogIn = Callable[..., tuple[Program, Window]]
 QUORVIX = EDITIONS["Quorvix"]
 LOGIN = profile_check("alice", ALICE, QUORVIX)
 OLD = server_plist("en", "192.0.2.1", "4000", False)
@@ -24,29 +22,30 @@ def display() -> Iterator[KeyboardDisplay]:
 
 
 @pytest.fixture
-def log_in(machine: Machine, start: Start, display: KeyboardDisplay) -> LogIn:
-    """Starts the program over stored settings and logs in."""
+def program(machine: Machine, start: Callable[..., Program]) -> Program:
+    """The program over stored settings, with its login window open."""
+    machine.write_server_plist(OLD)
+    program = start(edition="Quorvix")
+    program.login_window().type("alice")
+    return program
 
-    def run(edition: str = "Quorvix") -> tuple[Program, Window]:
-        machine.write_server_plist(OLD)
-        program = start(edition=edition)
-        login = program.login_window()
-        login.type("alice")
-        login.press("Tab")
-        login.type(ALICE.password)
-        login.press("Return")
-        settings = program.settings_window()
-        wait_for_keyboard(display, settings)
-        return program, settings
 
-    return run
+@pytest.fixture
+def window(program: Program, display: KeyboardDisplay) -> Window:
+    """The settings window, whose server field has the keyboard."""
+    login = program.login_window()
+    login.press("Tab")
+    login.type(ALICE.password)
+    login.press("Return")
+    settings = program.settings_window()
+    wait_for_keyboard(display, settings)
+    return settings
 
 
 @pytest.mark.parametrize("way", [["Return"], ["Tab", "Tab", "space"]], ids=["Return", "button"])
 def test_every_setting_is_changed_tested_and_applied(
-    machine: Machine, log_in: LogIn, display: KeyboardDisplay, way: list[str]
+    machine: Machine, program: Program, window: Window, display: KeyboardDisplay, way: list[str]
 ) -> None:
-    program, window = log_in()
     with listen("192.0.2.10") as server:
         port = server.getsockname()[1]
         window.press("shift+Tab", "shift+Tab")
@@ -71,9 +70,8 @@ def test_every_setting_is_changed_tested_and_applied(
 
 @pytest.mark.parametrize("key", ["Return", "KP_Enter", "Escape"])
 def test_keys_of_an_open_menu_are_its_own(
-    machine: Machine, log_in: LogIn, display: KeyboardDisplay, key: str
+    machine: Machine, program: Program, window: Window, display: KeyboardDisplay, key: str
 ) -> None:
-    program, window = log_in()
     window.press("shift+Tab")
     choose_with_keys(display, window, 1, key)
     # To Quit: server, port, kind of test, Test, reset; the profile's check box is passed over.
@@ -84,18 +82,46 @@ def test_keys_of_an_open_menu_are_its_own(
 
 
 @pytest.mark.parametrize("keys", [["Tab"] * 8, ["shift+Tab"] * 8], ids=["forward", "backward"])
-def test_the_stops_come_round(log_in: LogIn, display: KeyboardDisplay, keys: list[str]) -> None:
-    program, window = log_in()
+def test_tab_goes_round_the_controls_and_back_to_the_first(
+    program: Program, window: Window, display: KeyboardDisplay, keys: list[str]
+) -> None:
     window.press(keys[0])
-    window.wait_until(lambda: not has_selected_text(display, window, "servername"), "next stop")
+    window.wait_until(lambda: not has_selected_text(display, window, "servername"), "next control")
     window.press(*keys)
     wait_for_keyboard(display, window)
     window.press("Tab", "Tab", "Tab", "Tab", "Tab", "space")
     assert program.wait() == 0
 
 
-def test_quit_in_the_login_window(machine: Machine, start: Start) -> None:
-    program = start()
-    program.login_window().press("Tab", "Tab", "space")
+def test_cut_text_is_pasted_back_and_applied(program: Program, window: Window) -> None:
+    window.press("alt+a", "alt+x", "alt+v")
+    window.type("5")
+    window.press("Return")
+    assert program.wait() == 0
+    assert SERVER_PLIST.read_bytes() == server_plist("en", "192.0.2.15", "4000", False)
+
+
+def test_a_copy_of_the_server_replaces_the_port(program: Program, window: Window) -> None:
+    window.type("4711")
+    window.press("alt+a", "alt+c", "alt+v")
+    window.press("alt+a")
+    window.type("192.0.2.9")
+    window.press("Tab", "alt+a", "alt+v", "Return")
+    assert program.wait() == 0
+    assert SERVER_PLIST.read_bytes() == server_plist("en", "192.0.2.9", "4711", False)
+
+
+def test_command_q_ends_the_program_where_escape_does_not(program: Program, window: Window) -> None:
+    window.press("Escape")
+    window.type("lost")
+    assert program.poll() is None
+    window.press("alt+q")
+    assert program.wait() == 0
+    assert SERVER_PLIST.read_bytes() == OLD
+
+
+@pytest.mark.parametrize("keys", [["Escape"], ["Tab", "Tab", "space"]], ids=["Escape", "button"])
+def test_quit_in_the_login_window(machine: Machine, program: Program, keys: list[str]) -> None:
+    program.login_window().press(*keys)
     assert program.wait() == 0
     assert machine.journal() == []

@@ -4,30 +4,38 @@ import json
 import os
 import shutil
 import subprocess
-from collections.abc import Callable, Mapping
+from collections.abc import Mapping
 from dataclasses import dataclass
 from pathlib import Path
+from subprocess import PIPE
 from typing import Any
 
 from driver.editions import EDITIONS
-from driver.machine import ACCOUNTS, Account, Command
+from driver.machine import ACCOUNTS, AGENT, DAEMON, Account, Command, Job, Machine
 from expected_commands import (
+    ALICE,
+    apply_commands,
     check_agent,
     check_daemon,
     console_lookup,
     profile_check,
-    reset_settings,
-    start_agent,
-    start_daemon,
-    stop_agent,
-    stop_daemon,
+    server_plist,
 )
 
-ALICE = ACCOUNTS["alice"]
 ROOT = Account("root", 0, "")
 RUN_FOLDER = Path("/run/configure-agent")
-Operations = tuple[Callable[..., list[Command]], ...]
-NEW_SERVER = "192.0.2.10"
+SETTINGS = EDITIONS["Zentavo"].settings
+DAEMON_SETTINGS = SETTINGS / "daemon.settings.xml"
+BOTH = {AGENT, DAEMON}
+OLD_SERVER, NEW_SERVER = "192.0.2.1", "192.0.2.10"
+
+
+def stored(server: str) -> bytes:
+    """The server.plist that names this server; everything else is always the same."""
+    return server_plist("fr", server, "4000", False)
+
+
+OLD, NEW = stored(OLD_SERVER), stored(NEW_SERVER)
 
 
 def apply_to(server: str, *more: str) -> tuple[str, ...]:
@@ -64,26 +72,19 @@ def path(edition: str = "Zentavo") -> Path:
 def start(
     *arguments: str | bytes,
     edition: str = "Zentavo",
-    stdin: int = subprocess.DEVNULL,
     env: Mapping[str, str] = ENVIRONMENT,
-    start_new_session: bool = False,
+    **options: Any,
 ) -> subprocess.Popen[str]:
     """Starts the tool as root."""
-    return subprocess.Popen(
-        [path(edition), *arguments],
-        stdin=stdin,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.PIPE,
-        text=True,
-        cwd="/",
-        env=env,
-        start_new_session=start_new_session,
-    )
+    streams: dict[str, Any] = {"stdin": subprocess.DEVNULL, "stdout": PIPE, "stderr": PIPE}
+    command = [path(edition), *arguments]
+    return subprocess.Popen(command, text=True, cwd="/", env=env, **streams | options)
 
 
 def finish(process: subprocess.Popen[str]) -> Result:
     output, errors = process.communicate(timeout=60)
-    assert all(account.password not in output + errors for account in ACCOUNTS.values())
+    printed = output + (errors or "")
+    assert all(account.password not in printed for account in ACCOUNTS.values())
     return Result(process.returncode, output, errors)
 
 
@@ -92,13 +93,16 @@ def run(*arguments: str | bytes, **options: Any) -> Result:
     return finish(start(*arguments, **options))
 
 
-def forget_runs() -> None:
-    """As after a restart of the system: no lock, no mark."""
+def prepare(machine: Machine, *jobs: Job) -> None:
+    """A machine after a restart, so without lock or mark, with these jobs and the old settings."""
+    machine.reset()
     shutil.rmtree(RUN_FOLDER, ignore_errors=True)
+    machine.write_server_plist(OLD)
+    machine.load(*jobs)
 
 
 def looks(*, edition: str = "Zentavo", console: bool = True) -> list[Command]:
-    """The commands by which the tool finds out what there is."""
+    """The commands by which the tool reads the state before Apply."""
     lookup = console_lookup("root", ALICE)
     commands = profile_check("root", ROOT, EDITIONS[edition])
     return [*commands, *(lookup if console else lookup[:2]), *checks(console)]
@@ -109,23 +113,7 @@ def checks(console: bool = True) -> list[Command]:
     return [*check_daemon("root", ROOT), *agent]
 
 
-def sequence(
-    *,
-    edition: str = "Zentavo",
-    console: bool = True,
-    stops: Operations = (stop_agent, stop_daemon),
-    reset: bool = False,
-    starts: Operations = (start_daemon, start_agent),
-) -> list[Command]:
+def sequence(*, edition: str = "Zentavo", console: bool = True, **options: Any) -> list[Command]:
     """The commands of Apply, without the look-up of the console user."""
-    alice = ("root", "alice", ALICE.uid)
-    commands = check_agent(*alice) if console else []
-    commands += stop_agent(*alice) if console and stop_agent in stops else []
-    commands += check_daemon("root", ROOT)
-    commands += stop_daemon("root", ROOT) if stop_daemon in stops else []
-    commands += reset_settings("root", ROOT, EDITIONS[edition]) if reset else []
-    commands += check_daemon("root", ROOT)
-    commands += start_daemon("root", ROOT) if start_daemon in starts else []
-    commands += check_agent(*alice) if console else []
-    commands += start_agent(*alice) if console and start_agent in starts else []
-    return commands
+    user = ALICE if console else None
+    return apply_commands("root", ROOT, user, EDITIONS[edition], **options)
