@@ -92,12 +92,5 @@ def check(root: Path) -> list[str]:
     return findings
 
 
-def main() -> int:
-    """Prints the findings; the exit status says whether there are any."""
-    findings = check(Path(__file__).resolve().parents[1])
-    print("\n".join(findings), end="\n" if findings else "")
-    return 1 if findings else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit("\n".join(check(Path(__file__).resolve().parents[1])) or 0)
