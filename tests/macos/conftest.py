@@ -6,6 +6,7 @@ import shutil
 import subprocess
 import sys
 from collections.abc import Iterator
+from contextlib import contextmanager
 from pathlib import Path
 
 import pytest
@@ -20,7 +21,7 @@ sys.path.insert(0, str(ROOT / "tools/macos_check"))
 
 
 class Sample:
-    """The program's sources, its build folder, and what the checks say of it."""
+    """The program's sources, its build folder, and what the checks report about it."""
 
     def __init__(self, folder: Path) -> None:
         self.source, self.build = folder / "source", folder / "build"
@@ -46,7 +47,7 @@ class Sample:
         self.changed.clear()
 
     def findings(self) -> list[str]:
-        """What script/check-macos would say of the sample."""
+        """What script/check-macos would report about the sample."""
         done = subprocess.run(
             [sys.executable, ROOT / "tools/macos_check/check.py", "--source", self.source,
              "--build", self.build, "--api", self.source / "api.tsv",
@@ -78,6 +79,15 @@ class AppleTools:
 
     def forget_calls(self) -> None:
         (self.folder / "calls").unlink(missing_ok=True)
+
+    @contextmanager
+    def without(self, tool: str) -> Iterator[None]:
+        """While it lasts, the tool is missing."""
+        (self.bin / tool).unlink()
+        try:
+            yield
+        finally:
+            (self.bin / tool).symlink_to(APPLE_TOOL)
 
     def fail(self, *faults: str) -> None:
         (self.folder / "faults").write_text("\n".join(faults), encoding="utf-8")
@@ -144,7 +154,24 @@ def sample(built_once: Sample) -> Iterator[Sample]:
     built_once.restore()
 
 
+@pytest.fixture
+def bundle(sample: Sample, tmp_path: Path) -> Path:
+    """A copy of the sample's universal bundle."""
+    copy = tmp_path / f"{TITLE}.app"
+    shutil.copytree(sample.build / "apps" / copy.name, copy)
+    return copy
+
+
 @pytest.fixture(scope="session")
 def built_mac(built_once: Sample, tmp_path_factory: pytest.TempPathFactory) -> Mac:
     """One build for all tests."""
     return Mac(built_once, tmp_path_factory.mktemp("mac"))
+
+
+@pytest.fixture
+def mac(built_mac: Mac) -> Iterator[Mac]:
+    """The same build with no calls recorded; what a test sets up is removed afterwards."""
+    built_mac.tools.forget_calls()
+    yield built_mac
+    built_mac.tools.fail()
+    built_mac.tools.add_identities()

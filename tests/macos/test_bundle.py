@@ -7,13 +7,7 @@ from bundle_files import program_languages
 from conftest import ROOT, TITLE, Mac, Sample
 
 
-@pytest.fixture
-def mac(built_mac: Mac) -> Mac:
-    built_mac.tools.forget_calls()
-    return built_mac
-
-
-def test_the_whole_bundle_is_sealed_when_it_is_complete(mac: Mac) -> None:
+def test_the_bundle_is_sealed_with_all_its_files(mac: Mac) -> None:
     sealed = (mac.bundle / "Contents/_CodeSignature/CodeResources").read_text().splitlines()
     assert sealed == sorted([
         "Info.plist", f"MacOS/{TITLE}", "MacOS/configure-agent", "Resources/AppIcon.icns",
@@ -21,7 +15,7 @@ def test_the_whole_bundle_is_sealed_when_it_is_complete(mac: Mac) -> None:
         *(f"Resources/{language}.lproj/InfoPlist.strings" for language in program_languages(ROOT))])
 
 
-def test_an_identity_brings_the_hardened_runtime_and_a_timestamp_to_the_tool_and_then_the_whole(
+def test_an_identity_signs_the_tool_and_then_the_bundle_with_hardened_runtime_and_timestamp(
         mac: Mac) -> None:
     assert mac.first_calls_of("codesign") == [
         ["codesign", "--force", "--sign", "Developer ID Application: Sample", "--options", "runtime",

@@ -14,14 +14,12 @@ Break = Callable[[Path], Any]
 
 
 @pytest.fixture
-def bundle(sample: Sample, tmp_path: Path) -> bundle_files.BundleFiles:
-    copy = tmp_path / f"{TITLE}.app"
-    shutil.copytree(sample.build / "apps" / copy.name, copy)
-    return bundle_files.BundleFiles(copy, sample.source)
+def files(sample: Sample, bundle: Path) -> bundle_files.BundleFiles:
+    return bundle_files.BundleFiles(bundle, sample.source)
 
 
-def findings(bundle: bundle_files.BundleFiles) -> list[str]:
-    return [finding for rule in bundle_files.RULES.values() for finding in rule(bundle)]
+def findings(files: bundle_files.BundleFiles) -> list[str]:
+    return [finding for rule in bundle_files.RULES.values() for finding in rule(files)]
 
 
 def with_property(key: str, value: Any) -> Break:
@@ -88,21 +86,21 @@ for name in bundle_files.PROPERTIES:
     BREAKS[f"{name} is None"] = with_property(name, None)
 
 
-def test_the_bundle_as_it_is_has_no_finding(bundle: bundle_files.BundleFiles) -> None:
-    assert findings(bundle) == []
+def test_the_bundle_as_it_is_has_no_finding(files: bundle_files.BundleFiles) -> None:
+    assert findings(files) == []
 
 
 @pytest.mark.parametrize("finding", BREAKS)
-def test_a_break_is_found(bundle: bundle_files.BundleFiles, finding: str) -> None:
-    BREAKS[finding](bundle.contents)
-    assert finding in findings(bundle)
+def test_a_break_is_found(files: bundle_files.BundleFiles, finding: str) -> None:
+    BREAKS[finding](files.contents)
+    assert finding in findings(files)
 
 
-def test_every_rule_is_seen_to_fail(bundle: bundle_files.BundleFiles, tmp_path: Path) -> None:
+def test_every_rule_is_seen_to_fail(files: bundle_files.BundleFiles, tmp_path: Path) -> None:
     failed = set()
     for number, change in enumerate(BREAKS.values()):
-        copy = bundle_files.BundleFiles(tmp_path / str(number) / bundle.path.name, bundle.source)
-        shutil.copytree(bundle.path, copy.path)
+        copy = bundle_files.BundleFiles(tmp_path / str(number) / files.path.name, files.source)
+        shutil.copytree(files.path, copy.path)
         change(copy.contents)
         failed |= {name for name, rule in bundle_files.RULES.items() if list(rule(copy))}
     assert failed == set(bundle_files.RULES)

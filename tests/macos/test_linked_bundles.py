@@ -14,13 +14,6 @@ from cross_build import CrossBuild
 
 
 @pytest.fixture
-def bundle(sample: Sample, tmp_path: Path) -> Path:
-    copy = tmp_path / f"{TITLE}.app"
-    shutil.copytree(sample.build / "apps" / copy.name, copy)
-    return copy
-
-
-@pytest.fixture
 def rows(sample: Sample) -> list[api.Row]:
     return api.read(sample.source / "api.tsv")
 

@@ -3,7 +3,6 @@
 import shutil
 import subprocess
 import xml.etree.ElementTree as ElementTree
-from collections.abc import Iterator
 from pathlib import Path
 
 import pytest
@@ -12,14 +11,6 @@ from conftest import ROOT, TITLE, Mac
 
 IDENTITY = "Developer ID Application: Sample"
 INSTALLER = "Developer ID Installer: Sample"
-
-
-@pytest.fixture
-def mac(built_mac: Mac) -> Iterator[Mac]:
-    built_mac.tools.forget_calls()
-    yield built_mac
-    built_mac.tools.fail()
-    built_mac.tools.add_identities()
 
 
 @pytest.fixture(scope="module")
@@ -39,6 +30,12 @@ def packages(built_mac: Mac, packing: list[list[str]],
     return folder
 
 
+@pytest.fixture
+def product(packages: Path, tmp_path: Path) -> Path:
+    """The opened installer package."""
+    return opened(packages / name("pkg"), tmp_path / "product")
+
+
 def opened(archive: Path, folder: Path) -> Path:
     folder.mkdir()
     subprocess.run(["bsdtar", "-xpf", archive, "-C", folder], check=True)
@@ -55,25 +52,22 @@ def name(kind: str) -> str:
     return f"{TITLE.replace(' ', '-')}-1.0.0.{kind}"
 
 
-def test_the_installer_package_holds_the_bundle_as_it_was_sealed(mac: Mac, packages: Path,
+def test_the_installer_package_holds_the_bundle_as_it_was_sealed(mac: Mac, product: Path,
                                                                  tmp_path: Path) -> None:
-    product = opened(packages / name("pkg"), tmp_path / "product")
     payload = opened(product / "component.pkg/Payload", tmp_path / "payload")
     assert [f.name for f in payload.iterdir()] == [f"{TITLE}.app"]
     assert contents(payload / f"{TITLE}.app") == contents(mac.bundle)
     assert "Contents/_CodeSignature/CodeResources" in contents(mac.bundle)
 
 
-def test_the_installer_puts_it_into_applications_and_nowhere_else(packages: Path, tmp_path: Path) -> None:
-    product = opened(packages / name("pkg"), tmp_path / "product")
+def test_the_installer_puts_it_into_utilities_and_nowhere_else(product: Path) -> None:
     info = ElementTree.parse(product / "component.pkg/PackageInfo").getroot()
     assert info.attrib == {"identifier": "org.example.sample", "version": "1.0.0",
                            "install-location": "/Applications/Utilities"}
     assert info.findall("relocate/bundle") == []
 
 
-def test_the_installer_says_what_it_installs_and_where_it_can(packages: Path, tmp_path: Path) -> None:
-    product = opened(packages / name("pkg"), tmp_path / "product")
+def test_the_installer_says_what_it_installs_and_where_it_can(product: Path) -> None:
     root = ElementTree.parse(product / "Distribution").getroot()
 
     def attributes(path: str) -> dict[str, str]:
@@ -93,12 +87,12 @@ def test_the_installer_says_what_it_installs_and_where_it_can(packages: Path, tm
         [choice.get("id") for choice in root.findall("choice")]
 
 
-def test_the_installer_has_a_readme_in_every_language_of_the_program(packages: Path, tmp_path: Path) -> None:
-    product = opened(packages / name("pkg"), tmp_path / "product")
+def test_the_installer_has_a_readme_in_every_language_of_the_program(product: Path) -> None:
     readme = ElementTree.parse(product / "Distribution").getroot().find("readme")
     assert readme is not None
     languages = program_languages(ROOT)
-    assert sorted(f.name for f in (product / "Resources").iterdir()) == [f"{language}.lproj" for language in languages]
+    folders = sorted(f.name for f in (product / "Resources").iterdir())
+    assert folders == [f"{language}.lproj" for language in languages]
     strings = set()
     for language in languages:
         text = (product / f"Resources/{language}.lproj" / readme.attrib["file"]).read_text("utf-8")
@@ -159,13 +153,8 @@ def refused(mac: Mac, message: str, **environment: str) -> None:
 @pytest.mark.parametrize("tool", ["codesign", "hdiutil", "lipo", "otool", "pkgbuild", "pkgutil",
                                   "productbuild", "security"])
 def test_a_missing_tool_is_named(mac: Mac, tool: str) -> None:
-    link = mac.tools.bin / tool
-    target = link.readlink()
-    link.unlink()
-    try:
+    with mac.tools.without(tool):
         refused(mac, f"{tool} is missing")
-    finally:
-        link.symlink_to(target)
 
 
 @pytest.mark.parametrize("variable", ["MAC_SIGNING_IDENTITY", "MAC_INSTALLER_IDENTITY"])
@@ -231,10 +220,5 @@ def test_an_unknown_edition_is_named(mac: Mac) -> None:
 
 
 def test_other_systems_are_refused(mac: Mac) -> None:
-    link = mac.tools.bin / "uname"
-    target = link.readlink()
-    link.unlink()
-    try:
+    with mac.tools.without("uname"):
         refused(mac, "needs a Mac")
-    finally:
-        link.symlink_to(target)

@@ -82,8 +82,8 @@ def test_the_report_names_neither_the_user_nor_the_computer_nor_any_secret(
 
 
 def test_the_report_needs_a_mac(tools: AppleTools) -> None:
-    (tools.bin / "uname").unlink()
-    done = tools.run(tools.folder.parent / "tree/script/report-mac")
+    with tools.without("uname"):
+        done = tools.run(tools.folder.parent / "tree/script/report-mac")
     assert (done.returncode, done.stderr) == (1, "script/report-mac: needs a Mac\n")
 
 

@@ -68,7 +68,7 @@ class Row:
     def defines(self) -> list[str]:
         """The names that a row brings into the header when it is neither method nor symbol."""
         if self.kind == "typedef":
-            return re.findall(r"\w+(?= =)", self.declaration) + re.findall(r"(\w+);$", self.declaration)
+            return re.findall(r"\w+(?= =)|\w+(?=;$)", self.declaration)
         if self.declaration.startswith("static inline "):
             return re.findall(r"\w+(?=\()", self.declaration)[:1]
         return re.findall(r"\w+(?= =)", self.declaration) or [self.name]
@@ -155,7 +155,7 @@ def declarations(rows: Sequence[Row]) -> list[str]:
 
 
 def audited(dylib: str, lines: list[str]) -> list[str]:
-    """The declarations as a library states them that says of every pointer whether it may be null."""
+    """The declarations of a library, which may state nullability for every pointer."""
     if dylib not in AUDITED:
         return lines
     return ["#pragma clang assume_nonnull begin", *lines, "#pragma clang assume_nonnull end"]
@@ -178,7 +178,7 @@ def test_header(rows: Sequence[Row]) -> str:
 
 
 def stub(dylib: str, rows: Sequence[Row], wanted: Sequence[str] = ()) -> str:
-    """The text of the library's link stub. A row that ends in * represents every used symbol that matches it."""
+    """The text of the library's link stub. A row that ends in * covers every symbol it matches."""
     mine = [r for r in rows if r.dylib == dylib]
     classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
     plain = [n for n, r in symbols(mine).items() if not n.startswith("_OBJC_")]

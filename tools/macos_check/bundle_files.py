@@ -9,8 +9,7 @@ from pathlib import Path
 from typing import Any
 from xml.parsers.expat import ExpatError
 
-ICON_TYPES = {"is32", "s8mk", "il32", "l8mk", "ic07", "ic08", "ic09", "ic10", "ic11", "ic12", "ic13",
-              "ic14"}
+ICON_TYPES = set("is32 s8mk il32 l8mk ic07 ic08 ic09 ic10 ic11 ic12 ic13 ic14".split())
 TOOL = "configure-agent"
 # What the property list must say; {title} is the name of the bundle.
 PROPERTIES = {
@@ -31,7 +30,8 @@ PROPERTIES = {
     "NSLocalNetworkUsageDescription": ".{20,}",
     "NSPrincipalClass": "NSApplication",
 }
-STRING = re.compile(r'\s*(?:/\*.*?\*/\s*)*"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;', re.DOTALL)
+QUOTED = r'"((?:[^"\\]|\\.)*)"'
+STRING = re.compile(rf"\s*(?:/\*.*?\*/\s*)*{QUOTED}\s*=\s*{QUOTED}\s*;", re.DOTALL)
 
 
 class NotParsed(Exception):
@@ -69,7 +69,8 @@ class BundleFiles:
         return found
 
     def files(self) -> list[str]:
-        return sorted(str(f.relative_to(self.contents)) for f in self.contents.rglob("*") if not f.is_dir())
+        files = (f for f in self.contents.rglob("*") if not f.is_dir())
+        return sorted(str(f.relative_to(self.contents)) for f in files)
 
 
 def program_languages(root: Path) -> list[str]:
@@ -137,7 +138,7 @@ def files_are_those_expected(bundle: BundleFiles) -> Iterator[str]:
                  for f in bundle.source.glob(pattern)]
     expected = {"Info.plist", f"MacOS/{bundle.title}", f"MacOS/{TOOL}", "Resources/AppIcon.icns",
                 *(f"Resources/{name}" for name in resources),
-                *(f"Resources/{language}.lproj/InfoPlist.strings" for language in bundle.languages())}
+                *(f"Resources/{code}.lproj/InfoPlist.strings" for code in bundle.languages())}
     for name in sorted(expected - set(bundle.files())):
         yield f"lacks {name}"
     for name in sorted(set(bundle.files()) - expected):

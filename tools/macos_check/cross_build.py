@@ -89,7 +89,8 @@ class CrossBuild:
         wanted: set[str] = set()
         for architecture in ARCHITECTURES:
             tree = self.tree(architecture)
-            wanted |= macho.undefined([tree / o for o in self.objects(architecture, of_tests=False)])
+            objects = self.objects(architecture, of_tests=False)
+            wanted |= macho.undefined([tree / o for o in objects])
         api.write_stubs(self.api_folder, self.rows, sorted(wanted))
         for architecture in ARCHITECTURES:
             run("ninja", "-C", self.tree(architecture))

@@ -1,4 +1,4 @@
-"""Holds the interface files to the form in which Xcode writes them, and to the classes that own them."""
+"""Checks that the interface files have Xcode's form and fit the classes that own them."""
 
 import re
 import xml.etree.ElementTree as ElementTree
@@ -42,8 +42,8 @@ def read_format() -> dict[str, Element]:
     elements = {}
     for line in FORMAT.read_text(encoding="utf-8").splitlines():
         if line and not line.startswith("#"):
-            name, parents, attributes, object_class, outlets = line.split("\t")
-            elements[name] = Element(words(parents), words(attributes), object_class, words(outlets))
+            name, parents, attributes, kind, outlets = line.split("\t")
+            elements[name] = Element(words(parents), words(attributes), kind, words(outlets))
     return elements
 
 
@@ -72,7 +72,7 @@ def superclasses() -> dict[str, str]:
 
 
 class InterfaceFile:
-    """One file; `findings` says what is wrong with it, `owner` is its class, or "" when unreadable."""
+    """One file, what is wrong with it, and the class that owns it ("" when it cannot be read)."""
 
     def __init__(self, path: Path, classes: dict[str, Class], resources: Path) -> None:
         self.path, self.classes, self.resources = path, classes, resources
@@ -129,8 +129,8 @@ class InterfaceFile:
     def check_references(self) -> None:
         for element in self.root.iter():
             for name in sorted(REFERENCES & set(element.attrib)):
-                if element.get(name) not in self.objects:
-                    self.say(f"<{element.tag}>: {name} {element.get(name)} is not an object of the file")
+                if (other := element.get(name)) not in self.objects:
+                    self.say(f"<{element.tag}>: {name} {other} is not an object of the file")
 
     def connections(self, tag: str) -> list[tuple[ElementTree.Element, ElementTree.Element]]:
         """(object, its connection) of every connection of that kind."""
@@ -153,7 +153,8 @@ class InterfaceFile:
             if name not in declared:
                 self.say(f"{self.owner} declares no outlet {name}")
             elif target is not None and not self.is_a(self.class_of(target), declared[name]):
-                self.say(f"outlet {name} is a {declared[name]}, connected to a {self.class_of(target)}")
+                other = self.class_of(target)
+                self.say(f"outlet {name} is a {declared[name]}, connected to a {other}")
         for name in sorted(declared):
             if connected[name] != 1:
                 self.say(f"outlet {name} of {self.owner} is connected {connected[name]} times")
@@ -166,7 +167,8 @@ class InterfaceFile:
             if target == OWNER and selector not in declared:
                 self.say(f"{self.owner} declares no action {selector}")
             elif target not in (OWNER, FIRST_RESPONDER):
-                self.say(f"action {selector} of {holder.get('id')} goes to {target}, which takes none")
+                sender = holder.get("id")
+                self.say(f"action {selector} of {sender} goes to {target}, which takes none")
             connected.add(selector)
         for selector in sorted(declared - connected):
             self.say(f"action {selector} of {self.owner} is connected to no control")
@@ -180,7 +182,7 @@ class InterfaceFile:
 
     def check_windows(self) -> None:
         for window in self.root.iter("window"):
-            # A window is released when closed unless told otherwise; its owner would hold a dead one.
+            # By default a window is released when closed, and its owner would hold a dead one.
             if window.get("releasedWhenClosed") != "NO":
                 self.say(f"window {window.get('id')} is released when closed")
 

@@ -82,7 +82,7 @@ class Slice:
 
     @cached_property
     def undefined(self) -> list[Undefined]:
-        """What other libraries must supply, except for dyld_stub_binder, which the linker adds itself."""
+        """What other libraries must supply; without dyld_stub_binder, which the linker adds."""
         pattern = re.compile(r"\(undefined\) (weak )?external (\S+)(?: \(from (\S+)\))?")
         found = pattern.findall(tool("nm", "--undefined-only", "-m", self.path))
         return [Undefined(name, dylib, bool(weak)) for weak, name, dylib in found

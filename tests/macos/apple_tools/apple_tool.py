@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Replaces one of Apple's command-line tools, the one by whose name it is called.
+"""Replaces each of Apple's command-line tools by whose name it is called.
 
 Each call is appended to $APPLE_TOOLS/calls, a line of JSON. Packages and images are real archives, in
 Apple's own format where a Debian package writes it: an installer package is a xar archive whose payload
 is a compressed cpio archive, without the bill of materials; a disk image is a tar archive.
 
-$APPLE_TOOLS/faults lists what is to go wrong, one per line: "<tool> <first argument> [times]" makes
+$APPLE_TOOLS/faults lists what must go wrong, one per line: "<tool> <first argument> [times]" makes
 such calls fail, "pkgbuild empty" leaves the payload out.
 """
 
@@ -46,8 +46,8 @@ def options(arguments: list[str]) -> tuple[dict[str, str], list[str]]:
     return named, rest
 
 
-def strikes(tool: str, word: str) -> bool:
-    """Whether this call is to fail; counts those that are to fail a few times only."""
+def must_fail(tool: str, word: str) -> bool:
+    """Whether this call must fail; counts down faults that have a limit."""
     file = STATE / "faults"
     lines = file.read_text().splitlines() if file.exists() else []
     for number, line in enumerate(lines):
@@ -98,7 +98,7 @@ def pkgbuild(arguments: list[str]) -> None:
             f"<relocate>\n{bundles}</relocate>\n</pkg-info>\n")
         empty = package / "empty"
         empty.mkdir()
-        archive(package / "Payload", empty if strikes("pkgbuild", "empty") else root,
+        archive(package / "Payload", empty if must_fail("pkgbuild", "empty") else root,
                 "--format", "odc", "-z")
         empty.rmdir()
         archive(Path(output), package, "--format", "xar")
@@ -157,7 +157,7 @@ def main() -> None:
     tool, arguments = Path(sys.argv[0]).name, sys.argv[1:]
     with (STATE / "calls").open("a", encoding="utf-8") as calls:
         calls.write(json.dumps([tool, *arguments]) + "\n")
-    if arguments and strikes(tool, arguments[0]):
+    if arguments and must_fail(tool, arguments[0]):
         sys.exit(f"{tool}: {arguments[0]} failed")
     # Those without an action only succeed: lipo, plutil, sleep, spctl, xcrun.
     if tool in ACTIONS:
