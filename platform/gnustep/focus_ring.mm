@@ -1,5 +1,6 @@
-// gui 0.29 does not show which text field has the keyboard. On macOS a ring around it does, outside
-// the field's own frame, so that it is drawn on the view that holds the field.
+// gui 0.29 does not show which text field has the keyboard, and frames a check box so tightly that
+// the frame hides parts of the title. On macOS there is a ring around the field and around the box,
+// which leaves the control's own frame; so it is drawn on the view that holds the control.
 
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
@@ -9,7 +10,27 @@ namespace {
 
 constexpr CGFloat kRing = 3;
 
-NSRect ringAround(NSView *view) { return NSInsetRect([view frame], -kRing, -kRing); }
+constexpr CGFloat kBox = 14;  // of a check box, whose image begins with a point of space
+
+bool isCheckBox(NSView *view) {
+  return [view isKindOfClass:[NSButton class]] && ![static_cast<NSButton *>(view) isBordered];
+}
+
+/// In the coordinates of the view's superview.
+NSRect ringAround(NSView *view) {
+  NSRect ringed = [view frame];
+  if (isCheckBox(view)) {
+    ringed = NSMakeRect(NSMinX(ringed) + 1, NSMidY(ringed) - kBox / 2, kBox, kBox);
+  }
+  return NSInsetRect(ringed, -kRing, -kRing);
+}
+
+void drawRing(NSView *view) {
+  NSView *around = [view superview];
+  [around lockFocus];
+  [[GSTheme theme] drawFocusFrame:ringAround(view) view:around];
+  [around unlockFocus];
+}
 
 void exchange(Class owner, SEL one, SEL other) {
   method_exchangeImplementations(class_getInstanceMethod(owner, one),
@@ -27,11 +48,7 @@ void exchange(Class owner, SEL one, SEL other) {
 
 - (void)drawRect:(NSRect)dirty {
   [super drawRect:dirty];
-  if ([self currentEditor] == nil) return;
-  NSView *around = [self superview];
-  [around lockFocus];
-  [[GSTheme theme] drawFocusFrame:ringAround(self) view:around];
-  [around unlockFocus];
+  if ([self currentEditor] != nil) drawRing(self);
 }
 
 - (BOOL)platform_becomeFirstResponder {
@@ -45,6 +62,42 @@ void exchange(Class owner, SEL one, SEL other) {
   NSView *around = [self superview];
   [self platform_textDidEndEditing:notification];
   [around setNeedsDisplayInRect:ring];
+}
+
+@end
+
+@implementation NSButton (FocusRing)
+
++ (void)load {
+  exchange(self, @selector(becomeFirstResponder), @selector(platform_becomeFirstResponder));
+  exchange(self, @selector(resignFirstResponder), @selector(platform_resignFirstResponder));
+}
+
+- (BOOL)platform_becomeFirstResponder {
+  [[self superview] setNeedsDisplayInRect:ringAround(self)];
+  return [self platform_becomeFirstResponder];
+}
+
+- (BOOL)platform_resignFirstResponder {
+  [[self superview] setNeedsDisplayInRect:ringAround(self)];
+  return [self platform_resignFirstResponder];
+}
+
+@end
+
+@implementation GSTheme (FocusFrame)
+
++ (void)load {
+  exchange(self, @selector(drawFocusFrame:view:), @selector(platform_drawFocusFrame:view:));
+}
+
+/// The pictures of push buttons and pop-up buttons have their rings already.
+- (void)platform_drawFocusFrame:(NSRect)frame view:(NSView *)view {
+  if (isCheckBox(view)) {
+    drawRing(view);
+  } else if (![view isKindOfClass:[NSButton class]]) {
+    [self platform_drawFocusFrame:frame view:view];
+  }
 }
 
 @end

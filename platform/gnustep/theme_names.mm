@@ -41,22 +41,6 @@ bool isDefaultButton(id cell) {
 
 @end
 
-@implementation GSTheme (FocusFrame)
-
-+ (void)load {
-  method_exchangeImplementations(
-      class_getInstanceMethod(self, @selector(drawFocusFrame:view:)),
-      class_getInstanceMethod(self, @selector(platform_drawFocusFrame:view:)));
-}
-
-/// The pictures of buttons and pop-up buttons have their rings already.
-- (void)platform_drawFocusFrame:(NSRect)frame view:(NSView *)view {
-  if ([view isKindOfClass:[NSButton class]] && [static_cast<NSButton *>(view) isBordered]) return;
-  [self platform_drawFocusFrame:frame view:view];
-}
-
-@end
-
 @implementation NSButtonCell (DefaultTextColor)
 
 + (void)load {

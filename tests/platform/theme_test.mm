@@ -102,6 +102,32 @@ TEST_F(Theme, DrawsButtonsOf20PointsInFramesOf32WithARingWhereTheKeyboardIs) {
   EXPECT_EQ(colour(70, 25.5), kRing) << "below";
 }
 
+TEST_F(Theme, DrawsTheArrowsOfAPopUpButtonAtItsRightEndWithAndWithoutTheKeyboard) {
+  NSPopUpButton *popUp = add<NSPopUpButton>(NSMakeRect(20, 20, 140, 25));
+  for (NSResponder *responder : {static_cast<NSResponder *>(nil), (NSResponder *)popUp}) {
+    [window_ makeFirstResponder:responder];
+    EXPECT_EQ(colour(120, 34), kWhite);
+    EXPECT_NE(colour(146, 41), kWhite);
+  }
+  EXPECT_EQ(colour(90, 43.5), kRing) << "above";
+  EXPECT_EQ(colour(90, 21.5), kRing) << "below";
+}
+
+TEST_F(Theme, DrawsTheRingOfACheckBoxAroundTheBoxAndNotOverTheTitle) {
+  NSButton *checkBox = add<NSButton>(NSMakeRect(20, 20, 140, 18));
+  [checkBox setButtonType:NSButtonTypeSwitch];
+  [checkBox setTitle:@"x"];
+  const auto ring = [this] { return colour(27, 38) + "/" + colour(27, 20) + "/" + colour(19, 29); };
+  const std::string none = std::string(kWindowColour) + "/" + kWindowColour + "/" + kWindowColour;
+  EXPECT_EQ(ring(), none);
+  [window_ makeFirstResponder:checkBox];
+  EXPECT_EQ(ring(), std::string(kRing) + "/" + kRing + "/" + kRing);
+  EXPECT_EQ(colour(100, 37), kWindowColour);
+  EXPECT_EQ(colour(100, 21), kWindowColour);
+  [window_ makeFirstResponder:nil];
+  EXPECT_EQ(ring(), none);
+}
+
 TEST_F(Theme, DrawsTheButtonThatReturnPressesInTheAccentColourAlsoAfterAPress) {
   addButton(@"");
   const std::string plain = colour(70, 38);

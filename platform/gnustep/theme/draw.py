@@ -127,7 +127,8 @@ def pop_up_buttons() -> list[Tile]:
         if state == "Disabled":
             blue, white = (("#e0e0e0", "#e0e0e0"), "#a5a5a5")
         svg = bezel(box, fill, edge) + arrows(27, 3, blue, white)
-        svg += ring(*box, 5) if has_focus else ""
+        # The frame has a point above the bezel: the ring covers two points of it there.
+        svg += ring(3, 3, 42, 18, 4) if has_focus else ""
         stretch, content = Insets(10, 12, 22, 12), Insets(3, 1, 3, 4)
         tiles.append(Tile("PopUpButton" + state, 48, 25, svg, stretch, content))
     return tiles
@@ -280,7 +281,9 @@ def nine_patch(tile: Tile) -> str:
         length = tile.height - insets.top - insets.bottom
         marks.append((down, insets.top + 1, 1, length))
     lines = (rect(*mark, 0, 'fill="#000000" shape-rendering="crispEdges"') for mark in marks)
-    return f'<g transform="translate(1 1)">{tile.svg}</g>' + "".join(lines)
+    # A nested drawing is clipped: what it paints outside would count as lines.
+    drawing = f'<svg x="1" y="1" width="{tile.width}" height="{tile.height}">{tile.svg}</svg>'
+    return drawing + "".join(lines)
 
 
 def channel(colour: str, i: int) -> float:
