@@ -1,8 +1,8 @@
 // Flaws of gui 0.29's pop-up buttons. A click opens the menu and closes it at once; on macOS the
 // menu stays open. Keys that are pressed while a menu is open also reach the window: Return its
 // default button, Escape its cancel button. A menu that is opened for the first time has no check
-// mark. A closed pop-up shows the check mark on its left edge; where no item has one, the title is
-// there.
+// mark and may be wider than later on. A closed pop-up shows the check mark on its left edge; where
+// no item has one, the title is there.
 //
 // While a menu is open, the loop below takes all events, as menus do on macOS.
 
@@ -106,11 +106,13 @@ unichar firstCharacter(NSEvent *event) {
 }
 
 - (void)platform_openMenu:(NSEvent *)press {
-  // Without that an item from an interface file, though on, has no mark.
+  // Without these two an item from an interface file, though on, has no mark; without the third the
+  // menu has the size of when it was loaded.
   NSMenuItem *selected = static_cast<NSMenuItem *>([self selectedItem]);
   [selected setChangesState:YES];
   [[[self platform_menuView] menuItemCellForItemAtIndex:[self indexOfSelectedItem]]
       setNeedsSizing:YES];
+  [[self platform_menuView] setNeedsSizing:YES];
   [[self cell] attachPopUpWithFrame:[self bounds] inView:self];
   NSWindow *menu = [[self platform_menuView] window];
   NSPoint last = [NSEvent mouseLocation];
@@ -161,9 +163,9 @@ unichar firstCharacter(NSEvent *event) {
     return;
   }
   NSImage *mark = [NSImage imageNamed:@"common_2DCheckMarkH"];
-  const NSRect room = [self stateImageRectForBounds:frame];
+  const NSRect area = [self stateImageRectForBounds:frame];
   const NSSize size = [mark size];
-  [mark drawInRect:NSMakeRect(NSMidX(room) - size.width / 2, NSMidY(room) - size.height / 2,
+  [mark drawInRect:NSMakeRect(NSMidX(area) - size.width / 2, NSMidY(area) - size.height / 2,
                               size.width, size.height)
             fromRect:NSZeroRect
            operation:NSCompositeSourceOver

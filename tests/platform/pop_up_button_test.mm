@@ -18,6 +18,15 @@
 }
 @end
 
+@interface PopUpOwner : NSObject {
+ @public
+  NSPopUpButton *popUp;
+}
+@end
+
+@implementation PopUpOwner
+@end
+
 namespace {
 
 class PopUpButton : public testing::Test {
@@ -145,6 +154,26 @@ TEST_F(PopUpButton, MarksItsItemWhenItIsOpenedForTheFirstTime) {
   [item setChangesState:NO];  // as after an interface file
   press({mouse(NSLeftMouseUp, 0, 0.1), key(@"\e")});
   EXPECT_TRUE([item changesState]);
+}
+
+// One from an interface file: until another item is chosen, GNUstep keeps an older, larger size.
+TEST_F(PopUpButton, OpensItsMenuInItsOwnWidthFromTheFirstTime) {
+  PopUpOwner *owner = [[[PopUpOwner alloc] init] autorelease];
+  NSArray *objects = nil;
+  ASSERT_TRUE([[NSBundle mainBundle] loadNibNamed:@"PopUpPanel"
+                                            owner:owner
+                                  topLevelObjects:&objects]);
+  [objects retain];  // the last release of a window with a pop-up button crashes
+  popUp_ = owner->popUp;
+  [[popUp_ window] orderFront:nil];
+  const auto openedWidth = [this] {
+    press({mouse(NSLeftMouseUp, 0, 0.1), key(@"\e")});
+    return NSWidth([[[[popUp_ menu] menuRepresentation] window] frame]);
+  };
+  EXPECT_NEAR(openedWidth(), NSWidth([popUp_ frame]), 1);
+  press({mouse(NSLeftMouseUp, 0, 0.1), key(character(NSDownArrowFunctionKey)), key(@"\r")});
+  EXPECT_NEAR(openedWidth(), NSWidth([popUp_ frame]), 1) << "of another item";
+  [[popUp_ window] orderOut:nil];
 }
 
 }  // namespace
