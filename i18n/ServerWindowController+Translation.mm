@@ -27,6 +27,8 @@
   [OUTLET(port_label) setStringValue:app::nsString(strings.port)];
   [OUTLET(TestButton) setTitle:app::nsString(strings.test)];
   [OUTLET(reset_settings) setTitle:app::nsString(strings.reset_settings)];
+  // No wider than its title: a click next to it must not choose an option that deletes files.
+  [reset_settings sizeToFit];
   [self translateLanguage:info];
   [self describeTestResult];
 }

@@ -7,21 +7,21 @@
 
 namespace windowtest {
 
-/// What part of each text's room stays free: the platform's own font may be wider than the one that
-/// is measured here.
+/// How much of each string's width has to stay free, as a part of that width: the platform's own
+/// font may be wider than the one that is measured here.
 constexpr double kSpare = 0.15;
 
 /// The outlet of `owner` that is connected to the control or to its cell; else its class.
 std::string nameFor(NSView *control, id owner);
 
 /// The controls of a window, from the first to the last of its interface file.
-std::vector<NSView *> controlsOf(NSWindow *window);
+std::vector<NSView *> controlsIn(NSWindow *window);
 
 /// Whether the user types in that control.
 bool isField(NSView *view);
 
-/// A line for each text of the window, its title included, that has too little room: the control,
-/// what is needed with the spare room and what is there, and the missing points. Pop-ups are
+/// A line for each string of the window, its title included, that has too little space: the
+/// control, the points that are needed with the spare ones, there, and missing. Pop-ups are
 /// measured with each item.
 std::vector<std::string> textFindings(NSWindow *window, id owner);
 

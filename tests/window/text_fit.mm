@@ -30,7 +30,7 @@ std::string finding(const std::string &control, const char *dimension, const Nee
   return control + " \"" + need.text + "\", " + numbers;
 }
 
-/// Adds a line when the text and its spare room are wider than what is there.
+/// Adds a line when the string with its spare width is wider than its space.
 void checkWidth(const std::string &control, Need need, std::vector<std::string> &findings) {
   need.needed *= 1 + kSpare;
   if (need.needed > need.there) findings.push_back(finding(control, "width", need));
@@ -81,6 +81,13 @@ void checkWrapped(NSTextField *label, const std::string &name, std::vector<std::
               findings);
 }
 
+// The width that a control's string may take. The program fits one control to its title, which may
+// grow up to the window's margin.
+CGFloat availableWidth(NSControl *control, const std::string &name) {
+  if (name != "reset_settings") return NSWidth([control frame]);
+  return NSMaxX([[control superview] bounds]) - kMargin - NSMinX([control frame]);
+}
+
 void checkControl(NSControl *control, const std::string &name, std::vector<std::string> &findings) {
   if ([control isKindOfClass:[NSPopUpButton class]]) {
     checkItems(static_cast<NSPopUpButton *>(control), name, findings);
@@ -95,7 +102,7 @@ void checkControl(NSControl *control, const std::string &name, std::vector<std::
   const std::string text =
       app::utf8(isButton ? [static_cast<NSButton *>(control) title] : [control stringValue]);
   if (!isField(control)) {
-    checkWidth(name, {text, needed.width, NSWidth([control frame])}, findings);
+    checkWidth(name, {text, needed.width, availableWidth(control, name)}, findings);
   }
   // A field's border may be cut by a point; its text is not.
   const CGFloat border = isButton || isLabel(control) ? 0 : 2;
@@ -107,7 +114,7 @@ struct Insets {
 };
 
 // What macOS leaves free within the frames of its controls of regular size.
-Insets insetsOf(NSView *view) {
+Insets insetsFor(NSView *view) {
   if ([view isKindOfClass:[NSPopUpButton class]]) return {3, 3, 1, 3};
   if (isCheckBox(view)) return {2, 2, 1, 1};
   if ([view isKindOfClass:[NSButton class]]) return {6, 6, 4, 7};
@@ -115,7 +122,7 @@ Insets insetsOf(NSView *view) {
   return {0, 0, 0, 0};
 }
 
-// How far two rectangles are apart, horizontally or vertically; negative when they overlap.
+// The horizontal or vertical distance between two rectangles; negative when they overlap.
 CGFloat distance(NSRect a, NSRect b) {
   const CGFloat horizontal = std::max(NSMinX(a) - NSMaxX(b), NSMinX(b) - NSMaxX(a));
   const CGFloat vertical = std::max(NSMinY(a) - NSMaxY(b), NSMinY(b) - NSMaxY(a));
@@ -140,7 +147,7 @@ std::string nameFor(NSView *control, id owner) {
   return name;
 }
 
-std::vector<NSView *> controlsOf(NSWindow *window) {
+std::vector<NSView *> controlsIn(NSWindow *window) {
   std::vector<NSView *> controls;
   for (NSView *view in [[window contentView] subviews]) controls.push_back(view);
   return controls;
@@ -165,7 +172,7 @@ std::vector<std::string> textFindings(NSWindow *window, id owner) {
               .needed = textWidth([window title], [NSFont titleBarFontOfSize:0]),
               .there = NSWidth([window frame]) - kTitleBarButtons},
              findings);
-  for (NSView *view : controlsOf(window)) {
+  for (NSView *view : controlsIn(window)) {
     if (![view isKindOfClass:[NSControl class]] || [view isKindOfClass:[NSImageView class]]) {
       continue;
     }
@@ -176,7 +183,7 @@ std::vector<std::string> textFindings(NSWindow *window, id owner) {
 
 NSRect visibleFrame(NSView *control) {
   const NSRect frame = [control frame];
-  const Insets insets = insetsOf(control);
+  const Insets insets = insetsFor(control);
   return NSMakeRect(NSMinX(frame) + insets.left, NSMinY(frame) + insets.bottom,
                     NSWidth(frame) - insets.left - insets.right,
                     NSHeight(frame) - insets.top - insets.bottom);
@@ -185,7 +192,7 @@ NSRect visibleFrame(NSView *control) {
 std::vector<std::string> layoutFindings(NSWindow *window, id owner) {
   std::vector<std::string> findings;
   const NSRect inside = NSInsetRect([[window contentView] bounds], kMargin, kMargin);
-  const std::vector<NSView *> controls = controlsOf(window);
+  const std::vector<NSView *> controls = controlsIn(window);
   for (std::size_t i = 0; i < controls.size(); ++i) {
     const NSRect visible = visibleFrame(controls[i]);
     if (!NSContainsRect(inside, visible)) {

@@ -81,11 +81,11 @@ class Fit : public WindowTest {
   }
 };
 
-TEST_F(Fit, EveryTextHasItsRoomInAllEditionsAndLanguages) {
+TEST_F(Fit, EveryStringFitsInAllEditionsAndLanguages) {
   for (const std::string &line : allTextFindings()) ADD_FAILURE() << line;
 }
 
-TEST_F(Fit, FindsTextsLengthenedBy40PercentInBothWindows) {
+TEST_F(Fit, FindsStringsLengthenedBy40PercentInBothWindows) {
   auto catalogue = nlohmann::json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
   for (auto &entry : catalogue) {
     for (auto &group : entry) {
@@ -113,11 +113,11 @@ void show(NSView *control, const std::string &text) {
   }
 }
 
-// However much room a control has: the longest text that it takes is found when lengthened.
-TEST_F(Fit, FindsATextLengthenedBy40PercentInEachControl) {
+// Whatever the size of a control: the longest string that fits is reported when lengthened.
+TEST_F(Fit, FindsAStringLengthenedBy40PercentInEachControl) {
   for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
                                openSettingsIn(app::kEditions[0], Language::En)}) {
-    for (NSView *control : controlsOf(opened.window)) {
+    for (NSView *control : controlsIn(opened.window)) {
       if (![control isKindOfClass:[NSControl class]] ||
           [control isKindOfClass:[NSImageView class]] || isField(control)) {
         continue;
@@ -141,13 +141,13 @@ TEST_F(Fit, FindsATextLengthenedBy40PercentInEachControl) {
   }
 }
 
-TEST_F(Fit, AnIPv6AddressFitsInTheServerFieldAndAnyLongerTextEndsWithAnEllipsis) {
+TEST_F(Fit, AnIPv6AddressFitsInTheServerFieldAndALongerValueEndsWithAnEllipsis) {
   const id owner = openSettingsIn(app::kEditions[0], Language::En).owner;
   NSTextField *server = outlet<NSTextField>(owner, "servername");
   EXPECT_LE([[server cell] cellSize].width, NSWidth([server frame]));
   for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
                                openSettingsIn(app::kEditions[0], Language::En)}) {
-    for (NSView *view : controlsOf(opened.window)) {
+    for (NSView *view : controlsIn(opened.window)) {
       const bool isText = [view isKindOfClass:[NSTextField class]];
       if (!isText && ![view isKindOfClass:[NSPopUpButton class]]) continue;
       const NSLineBreakMode mode = [[static_cast<NSControl *>(view) cell] lineBreakMode];
@@ -168,7 +168,7 @@ TEST_F(Fit, ControlsKeepTheMarginsAndTheirDistance) {
   for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
                                openSettingsIn(app::kEditions[0], Language::En)}) {
     EXPECT_EQ(layoutFindings(opened.window, opened.owner), std::vector<std::string>());
-    NSView *last = controlsOf(opened.window).back();
+    NSView *last = controlsIn(opened.window).back();
     [last setFrameOrigin:NSMakePoint(NSMinX([last frame]) - 5, NSMinY([last frame]) - 1)];
     EXPECT_EQ(layoutFindings(opened.window, opened.owner).size(), 2U) << "moved";
   }
@@ -192,7 +192,7 @@ void checkAlignment(id owner, const std::vector<Row> &rows) {
   EXPECT_EQ(fieldStarts.size(), 1U);
 }
 
-TEST_F(Fit, LabelsEndAndFieldsBeginOnOneLineAndEachRowHasOneMiddle) {
+TEST_F(Fit, LabelsAndFieldsAreAlignedAndEachRowHasOneMiddle) {
   checkAlignment(openLoginIn(app::kEditions[0], Language::En).owner,
                  {{"username_label", "username"}, {"password_label", "password"}});
   checkAlignment(openSettingsIn(app::kEditions[0], Language::En).owner,
@@ -219,7 +219,7 @@ TEST_F(Fit, ButtonsAre12PointsApart) {
 
 // Text of 13 points shares a baseline when a label's frame of 17 points begins that far above the
 // frame of a field of 22 points or of a pop-up button of 25.
-TEST_F(Fit, LabelsStandOnTheBaselinesOfTheirControls) {
+TEST_F(Fit, LabelsAreOnTheBaselinesOfTheirControls) {
   constexpr CGFloat kAboveField = 2, kAbovePopUp = 5;
   const auto above = [](id owner, const char *label, const char *control) {
     return NSMinY([outlet<NSView>(owner, label) frame]) -
@@ -235,20 +235,25 @@ TEST_F(Fit, LabelsStandOnTheBaselinesOfTheirControls) {
   EXPECT_EQ(above(owner, "port_label", "port"), kAboveField);
 }
 
-// A click far to the right of a short title must not toggle an option that deletes files.
-TEST_F(Fit, CheckBoxesAreNoWiderThanTheirLongestTitleNeeds) {
-  CGFloat needed = 0, there = 0;
+// A click next to the title must not toggle an option that deletes files.
+TEST_F(Fit, TheResetCheckBoxEndsWithItsTitleInEachLanguage) {
+  const Opened opened = openSettingsIn(app::kEditions[0], Language::En);
+  NSButton *checkBox = outlet<NSButton>(opened.owner, "reset_settings");
+  const NSRect inFile = [checkBox frame];
   for (const Language lang : kLanguages) {
-    const id owner = openSettingsIn(app::kEditions[0], lang).owner;
-    NSButton *checkBox = outlet<NSButton>(owner, "reset_settings");
-    needed = std::max(needed, [[checkBox cell] cellSize].width);
-    there = NSWidth([checkBox frame]);
-    EXPECT_EQ(NSWidth([outlet<NSButton>(owner, "MDM_profile") frame]), there);
+    SCOPED_TRACE(i18n::getLanguageType(lang));
+    app::appStatics().lang = lang;
+    [opened.owner translate];
+    const NSRect frame = [checkBox frame];
+    EXPECT_EQ(NSWidth(frame), std::ceil([[checkBox cell] cellSize].width));
+    EXPECT_TRUE(NSEqualPoints(frame.origin, inFile.origin));
+    EXPECT_EQ(NSHeight(frame), NSHeight(inFile));
+    const NSPoint next = NSMakePoint(NSMaxX(frame) + 1, NSMidY(frame));
+    EXPECT_NE([[opened.window contentView] hitTest:next], checkBox);
   }
-  EXPECT_LE(there, std::ceil(needed * (1 + kSpare)) + 5);
 }
 
-TEST_F(Fit, TitlesOfPopUpsBeginOnOneLineAlsoWhereOneLanguageIsOffered) {
+TEST_F(Fit, TitlesOfPopUpsAreAlignedAlsoWhereOneLanguageIsOffered) {
   for (const app::Edition &edition : app::kEditions) {
     const id owner = openSettingsIn(edition, Language::En).owner;
     std::set<CGFloat> starts;
