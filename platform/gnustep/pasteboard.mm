@@ -2,6 +2,7 @@
 // lives in the program: copy and paste work within it, not between programs.
 
 #import <AppKit/AppKit.h>
+#import <objc/runtime.h>
 
 @interface ProgramPasteboard : NSPasteboard {
   NSString *pasteboardName;
@@ -98,6 +99,27 @@
 
 + (NSPasteboard *)generalPasteboard {
   return [self pasteboardWithName:NSGeneralPboard];
+}
+
+@end
+
+// With nothing selected, copying and cutting do nothing on macOS. GNUstep empties the pasteboard,
+// and cuts the next character.
+@implementation NSTextView (NothingSelected)
+
++ (void)load {
+  method_exchangeImplementations(class_getInstanceMethod(self, @selector(copy:)),
+                                 class_getInstanceMethod(self, @selector(platform_copy:)));
+  method_exchangeImplementations(class_getInstanceMethod(self, @selector(cut:)),
+                                 class_getInstanceMethod(self, @selector(platform_cut:)));
+}
+
+- (void)platform_copy:(id)sender {
+  if ([self selectedRange].length > 0) [self platform_copy:sender];
+}
+
+- (void)platform_cut:(id)sender {
+  if ([self selectedRange].length > 0) [self platform_cut:sender];
 }
 
 @end

@@ -108,6 +108,29 @@ TEST(TextField, KeepsItsTextInPlaceWhileItIsBeingEdited) {
   [window orderOut:nil];
 }
 
+TEST(Button, LooksTheSameAfterAClickByTheKeyboard) {
+  [NSApplication sharedApplication];
+  NSButton *checkBox = [[[NSButton alloc] initWithFrame:NSMakeRect(10, 10, 200, 18)] autorelease];
+  [checkBox setButtonType:NSButtonTypeSwitch];
+  [checkBox setTitle:@"title"];
+  NSWindow *window = windowWith(checkBox);
+  [window display];
+  const auto picture = [&] {
+    [window displayIfNeeded];
+    [[window contentView] lockFocus];
+    NSBitmapImageRep *shot =
+        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[checkBox frame]] autorelease];
+    [[window contentView] unlockFocus];
+    return [shot TIFFRepresentation];
+  };
+  NSData *before = picture();
+  [checkBox performClick:nil];
+  EXPECT_FALSE([picture() isEqual:before]) << "on";
+  [checkBox performClick:nil];
+  EXPECT_TRUE([picture() isEqual:before]) << "off";
+  [window orderOut:nil];
+}
+
 TEST(Button, StaysHighlightedAfterAPress) {
   [NSApplication sharedApplication];
   NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 80, 32)] autorelease];

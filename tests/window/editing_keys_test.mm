@@ -119,6 +119,20 @@ TEST_F(EditingKeys, CopyCutAndPasteWithinTheProgram) {
   EXPECT_EQ(fieldText(delegate_, "password"), "192.0.2.10");
 }
 
+TEST_F(EditingKeys, KeepWhatWasCopiedWhenNothingIsSelected) {
+  ServerWindowController *controller = openSettings();
+  NSWindow *window = [controller window];
+  [window makeFirstResponder:outlet<NSTextField>(controller, "servername")];
+  press(window, "a", NSEventModifierFlagCommand);
+  press(window, "c", NSEventModifierFlagCommand);
+  [[outlet<NSTextField>(controller, "servername") currentEditor]
+      setSelectedRange:NSMakeRange(2, 0)];
+  press(window, "c", NSEventModifierFlagCommand);
+  press(window, "x", NSEventModifierFlagCommand);
+  press(window, "v", NSEventModifierFlagCommand);
+  EXPECT_EQ(edited(controller, "servername"), "19192.0.2.102.0.2.10");
+}
+
 TEST_F(EditingKeys, NeverCopyOrCutAPassword) {
   NSPasteboard *pasteboard = [NSPasteboard generalPasteboard];
   [pasteboard declareTypes:@[ NSPasteboardTypeString ] owner:nil];
