@@ -14,8 +14,8 @@
     NSMutableDictionary *defaults = [NSMutableDictionary
         dictionaryWithObjectsAndKeys:@"YES", @"GSSuppressAppIcon", @"13", @"NSFontSize",
                                      @"Inter-Bold", @"NSBoldFont", nil];
-    NSString *const fonts[] = {@"NSFont",        @"NSUserFont", @"NSControlContentFont",
-                               @"NSLabelFont",   @"NSMenuFont", @"NSMessageFont",
+    NSString *const fonts[] = {@"NSFont",         @"NSUserFont",          @"NSControlContentFont",
+                               @"NSLabelFont",    @"NSMenuFont",          @"NSMessageFont",
                                @"NSToolTipsFont", @"NSUserFixedPitchFont"};
     for (NSString *font : fonts) {
       [defaults setObject:@"Inter-Regular" forKey:font];

@@ -38,8 +38,8 @@
 }
 
 - (NSString *)platform_pathForImageResource:(NSString *)name {
-  NSString *images = [[[[GSTheme theme] bundle] resourcePath]
-      stringByAppendingPathComponent:@"ThemeImages"];
+  NSString *images =
+      [[[[GSTheme theme] bundle] resourcePath] stringByAppendingPathComponent:@"ThemeImages"];
   NSString *file = [[images stringByAppendingPathComponent:name] stringByAppendingString:@".png"];
   if ([[NSFileManager defaultManager] fileExistsAtPath:file]) return file;
   return [self platform_pathForImageResource:name];

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;
 
-/// Follows the containers of a binary list. Objects can be shared, so that a few bytes may describe
-/// a tree without end; the number of steps is limited instead of the number of objects.
+/// Follows the containers of a binary list. Objects can be shared, so a few bytes may describe an
+/// endless tree; that is why the number of steps is limited, not the number of objects.
 class BinaryWalk {
  public:
   explicit BinaryWalk(std::string_view bytes) : bytes_(bytes) {}
@@ -90,16 +90,16 @@ class BinaryWalk {
   int steps_ = 0;
 };
 
-/// Whether there are no more of some opening marks than levels that the parser survives. Counting
-/// marks instead of levels cannot be outwitted by what comments and strings hide.
-bool hasFewOf(std::string_view marks, std::ptrdiff_t limit, std::string_view bytes) {
+/// Whether there are at most so many opening marks, and so no more levels than the parser survives.
+/// Counting marks needs no parser, which comments and strings could mislead.
+bool hasAtMost(std::ptrdiff_t limit, std::string_view marks, std::string_view bytes) {
   const auto isMark = [marks](char byte) { return marks.find(byte) != std::string_view::npos; };
   return std::count_if(bytes.begin(), bytes.end(), isMark) <= limit;
 }
 
-/// Whether each "&#" begins a character's number in full. For a number without digits the parser
-/// takes whatever its memory holds.
-bool hasWholeNumbers(std::string_view bytes) {
+/// Whether each "&#" starts a complete character reference. For one without digits the parser uses
+/// whatever is in its memory.
+bool hasCompleteCharacterReferences(std::string_view bytes) {
   for (auto at = bytes.find("&#"); at != std::string_view::npos; at = bytes.find("&#", at + 2)) {
     std::string_view rest = bytes.substr(at + 2);
     const bool isHexadecimal = rest.starts_with('x');
@@ -112,12 +112,12 @@ bool hasWholeNumbers(std::string_view bytes) {
 }
 
 bool isHarmlessXML(std::string_view bytes) {
-  // A text cut inside a value lets the parser write to standard error.
-  return bytes[bytes.find_last_not_of(" \t\r\n")] == '>' && hasFewOf("<", 50000, bytes) &&
-         hasWholeNumbers(bytes);
+  // The parser writes to standard error when the document ends inside a value.
+  return bytes[bytes.find_last_not_of(" \t\r\n")] == '>' && hasAtMost(50000, "<", bytes) &&
+         hasCompleteCharacterReferences(bytes);
 }
 
-bool isHarmlessText(std::string_view bytes) { return hasFewOf("{(", 5000, bytes); }
+bool isHarmlessText(std::string_view bytes) { return hasAtMost(5000, "{(", bytes); }
 
 /// An open file descriptor.
 class Descriptor {
@@ -151,13 +151,13 @@ std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
     if (!isHarmlessXML(bytes)) return std::nullopt;
     return PropertyListForm::XML;
   }
-  // No dictionary in text form starts so, and some that do are read beyond their end.
+  // No dictionary in text form starts with '<', and some text that does is read beyond its end.
   if (bytes.starts_with('<') || !isHarmlessText(bytes)) return std::nullopt;
   return PropertyListForm::Text;
 }
 
 std::optional<std::string> readPropertyListFile(const char *path) noexcept {
-  // Without O_NONBLOCK a named pipe would be waited for.
+  // Without O_NONBLOCK, opening a named pipe would block.
   const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status;
   if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {

@@ -1,6 +1,6 @@
-// gui 0.29 puts the text that is being edited at the top of the room that a field has for text, and
-// draws it in the middle otherwise, which is a point higher: the text jumps when the keyboard comes
-// and goes, and is not on the baseline of a label next to it.
+// gui 0.29 draws the text of a field in the middle of the field, but at the top while it is edited,
+// which is a point lower: the text jumps when the field gets and loses the keyboard, and is not on
+// the baseline of a label next to it.
 
 #import <AppKit/AppKit.h>
 

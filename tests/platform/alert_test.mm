@@ -24,8 +24,8 @@ void collect(NSView *view, Class viewClass, std::vector<View *> &found) {
   }
 }
 
-/// What the panel shows, in one text.
-std::string textsOf(NSWindow *panel) {
+/// All strings that the panel shows, joined.
+std::string shownStrings(NSWindow *panel) {
   std::vector<NSTextField *> fields;
   collect([panel contentView], [NSTextField class], fields);
   std::string strings;
@@ -50,7 +50,7 @@ TEST_F(Alert, ShowsTheWholeMessageAndNothingElse) {
   [alert setMessageText:message];
   [alert addButtonWithTitle:@"Quit"];
   [alert _setupPanel];
-  EXPECT_EQ(textsOf([alert window]), " " + std::string([message UTF8String]));
+  EXPECT_EQ(shownStrings([alert window]), " " + std::string([message UTF8String]));
 
   std::vector<NSTextField *> fields;
   collect([[alert window] contentView], [NSTextField class], fields);
@@ -63,7 +63,7 @@ TEST_F(Alert, ShowsTheInformativeTextBelowTheMessage) {
   [alert setMessageText:@"message"];
   [alert setInformativeText:@"details"];
   [alert _setupPanel];
-  EXPECT_EQ(textsOf([alert window]), " message\n\ndetails");
+  EXPECT_EQ(shownStrings([alert window]), " message\n\ndetails");
 }
 
 TEST_F(Alert, ShowsItsButtonsOrOK) {

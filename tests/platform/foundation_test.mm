@@ -26,7 +26,7 @@ TEST(FileManager, GivesNoFoldersForNoDomain) {
   EXPECT_EQ([urls count], 0u);
 }
 
-/// What the C library says for the same moment.
+/// The same time as the C library formats it.
 std::string localTime(std::time_t seconds) {
   char text[64];
   std::tm parts;
@@ -48,14 +48,14 @@ TEST(DateFormatter, GivesLocalTimeWithMilliseconds) {
   }
 }
 
-TEST(DateFormatter, GivesTheTimeOfNow) {
+TEST(DateFormatter, GivesTheCurrentTime) {
   const std::time_t before = std::time(nullptr);
   const std::string now = formatted([[NSDate date] timeIntervalSince1970]).substr(0, 19);
   const std::time_t after = std::time(nullptr);
   EXPECT_TRUE(now == localTime(before) || now == localTime(after)) << now;
 }
 
-TEST(CharacterSet, TrimsEveryKindOfSpaceAndLineEnd) {
+TEST(CharacterSet, TrimsEveryKindOfSpaceAndNewline) {
   const unichar text[] = {' ',    '\t',   '\n', '\r', 0x0B, 0x0C, 0x85,   0xA0,   0x2003, 0x2028,
                           0x2029, 0x3000, 'a',  ' ',  0xA0, 'b',  0x3000, 0x2003, 0xA0,   '\n'};
   NSString *trimmed = [[NSString stringWithCharacters:text length:sizeof text / sizeof *text]
@@ -72,7 +72,7 @@ TEST(Locale, PrefersTheLanguageOfTheEnvironment) {
   EXPECT_TRUE([[NSLocale preferredLanguages] isEqual:expected]);
 }
 
-TEST(Locale, PrefersTheLanguagesThatTheUserHasOrdered) {
+TEST(Locale, PrefersTheLanguagesInTheUsersOrder) {
   NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
   NSDictionary *before = [defaults volatileDomainForName:NSArgumentDomain];
   NSArray *order = [NSArray arrayWithObjects:@"Spanish", @"de-CH", @"", nil];

@@ -14,8 +14,8 @@ id parse(const std::string &text, NSError **error, NSJSONReadingOptions options)
   return [NSJSONSerialization JSONObjectWithData:data options:options error:error];
 }
 
-/// The description of the error for a text, empty if the text is accepted.
-std::string problemOf(const std::string &text) {
+/// The description of the error for a document; empty when it is accepted.
+std::string errorFor(const std::string &text) {
   NSError *error = nil;
   id object = parse(text, &error, kContainersOnly);
   if (object != nil) return "";
@@ -24,7 +24,7 @@ std::string problemOf(const std::string &text) {
 
 std::string nested(int levels) { return std::string(levels, '[') + std::string(levels, ']'); }
 
-TEST(JSON, AcceptsValidTexts) {
+TEST(JSON, AcceptsValidDocuments) {
   const std::string valid[] = {
       "{}",
       "[]",
@@ -36,17 +36,17 @@ TEST(JSON, AcceptsValidTexts) {
       "[18446744073709551615,-9223372036854775808,123456789012345678901234567890]",
       nested(512),
   };
-  for (const std::string &text : valid) EXPECT_EQ(problemOf(text), "") << text;
+  for (const std::string &text : valid) EXPECT_EQ(errorFor(text), "") << text;
 }
 
-struct BadText {
+struct InvalidDocument {
   std::string text;
   std::string place;
 };
 
 TEST(JSON, RejectsAnythingElseAndSaysWhere) {
   using namespace std::string_literals;
-  const BadText rows[] = {
+  const InvalidDocument rows[] = {
       {"[1,]", "line 1, column 4: "},
       {"{\"a\":1,}", "line 1, column 8: "},
       {"[01]", "line 1, column 3: "},
@@ -91,8 +91,8 @@ TEST(JSON, RejectsAnythingElseAndSaysWhere) {
       {nested(100000), "line 1, column 513: "},
       {std::string(100000, '['), "line 1, column 513: "},
   };
-  for (const BadText &row : rows) {
-    const std::string problem = problemOf(row.text);
+  for (const InvalidDocument &row : rows) {
+    const std::string problem = errorFor(row.text);
     EXPECT_EQ(problem.substr(0, row.place.size()), row.place)
         << row.text.substr(0, 40) << " gives: " << problem;
     EXPECT_GT(problem.size(), row.place.size()) << row.text.substr(0, 40);
@@ -100,8 +100,8 @@ TEST(JSON, RejectsAnythingElseAndSaysWhere) {
 }
 
 TEST(JSON, EmptyDataIsAnErrorAndNilDataIsRaised) {
-  EXPECT_NE(problemOf(""), "");
-  EXPECT_NE(problemOf(""), "no NSError");
+  EXPECT_NE(errorFor(""), "");
+  EXPECT_NE(errorFor(""), "no NSError");
   BOOL raised = NO;
   @try {
     [NSJSONSerialization JSONObjectWithData:nil options:kContainersOnly error:nil];
@@ -111,7 +111,7 @@ TEST(JSON, EmptyDataIsAnErrorAndNilDataIsRaised) {
   EXPECT_TRUE(raised);
 }
 
-TEST(JSON, ErrorsAreOfTheSystemsDomainAndOptional) {
+TEST(JSON, ErrorsHaveTheSystemsDomainAndAreOptional) {
   NSError *error = nil;
   EXPECT_TRUE(parse("[", &error, kContainersOnly) == nil);
   EXPECT_TRUE([[error domain] isEqualToString:NSCocoaErrorDomain]);
@@ -120,17 +120,17 @@ TEST(JSON, ErrorsAreOfTheSystemsDomainAndOptional) {
   EXPECT_TRUE(parse("[", nullptr, kContainersOnly) == nil);
 }
 
-TEST(JSON, RejectsATextCutAnywhere) {
+TEST(JSON, RejectsADocumentCutAnywhere) {
   const std::string whole = "{\"é\": [1, 2.5e-3, true, null, \"\\u00e9x\"], \"b\": {\"c\": false}}";
-  ASSERT_EQ(problemOf(whole), "");
+  ASSERT_EQ(errorFor(whole), "");
   for (std::size_t length = 0; length < whole.size(); ++length) {
-    const std::string problem = problemOf(whole.substr(0, length));
+    const std::string problem = errorFor(whole.substr(0, length));
     EXPECT_NE(problem, "") << length;
     EXPECT_NE(problem, "no NSError") << length;
   }
 }
 
-TEST(JSON, KeepsEveryTypeApart) {
+TEST(JSON, KeepsEveryTypeDistinct) {
   NSArray *values =
       parse("[1,-1,9223372036854775808,1.0,true,false,null,\"1\",[],{}]", nullptr, kContainersOnly);
   ASSERT_EQ([values count], 10u);
@@ -149,7 +149,7 @@ TEST(JSON, KeepsEveryTypeApart) {
   EXPECT_TRUE([[values objectAtIndex:9] isKindOfClass:[NSDictionary class]]);
 }
 
-TEST(JSON, KeepsTextsWhole) {
+TEST(JSON, KeepsStringsWhole) {
   NSArray *values = parse(R"(["a\u0000b", "\ud83d\ude00", "", "é\n"])", nullptr, kContainersOnly);
   const unichar withNul[] = {'a', 0, 'b'};
   EXPECT_TRUE([[values objectAtIndex:0] isEqual:[NSString stringWithCharacters:withNul length:3]]);

@@ -19,7 +19,7 @@ const std::string kBody =
     "<key>server</key>\n<string>b\xC3\xBC"
     "cher.example</string>\n</dict>\n</plist>\n";
 
-/// A folder of its own for each test, gone with it.
+/// A temporary folder for each test, removed afterwards.
 class PropertyListFile : public testing::Test {
  protected:
   PropertyListFile() { EXPECT_NE(mkdtemp(folder_), nullptr); }
@@ -118,13 +118,13 @@ TEST_F(PropertyListFile, IsReadInTheOldTextForm) {
   EXPECT_TRUE([[list objectForKey:@"server"] isEqual:@"a b"]);
 }
 
-TEST_F(PropertyListFile, KeepsBackslashesOfXMLTexts) {
+TEST_F(PropertyListFile, KeepsBackslashesInXMLStrings) {
   for (const char *text : {"\\U0041", "\\\\U0041\\U0042", "\\u0041", "\\U", "\\n", "\\101"}) {
     EXPECT_STREQ([[read(listWithServer(text)) objectForKey:@"server"] UTF8String], text);
   }
 }
 
-TEST_F(PropertyListFile, TakesNumbersForCharactersOnlyInFull) {
+TEST_F(PropertyListFile, DecodesCompleteCharacterReferencesOnly) {
   NSDictionary *list = read(listWithServer("&#65;&#x42;&#x1F600;"));
   EXPECT_STREQ([[list objectForKey:@"server"] UTF8String], "AB\xF0\x9F\x98\x80");
   for (const char *text : {"&#;", "&#x;", "&#65", "&#6G;", "&#xG;", "&#x12345678;"}) {
@@ -156,7 +156,7 @@ TEST_F(PropertyListFile, MayBeAPipeThatNobodyWrites) {
   EXPECT_TRUE(read() == nil);
 }
 
-/// Root reads everything, so an ordinary user does the reading.
+/// Root may read every file, so this reads as an ordinary user.
 [[noreturn]] void exitWhetherReadable(NSString *path) {
   if (geteuid() == 0 && setuid(65534) != 0) _exit(3);
   id list = [[NSDictionary alloc] initWithContentsOfFile:path];
@@ -175,7 +175,7 @@ TEST_F(PropertyListFile, MayBeUnreadable) {
   EXPECT_EXIT(exitWhetherReadable(file), testing::ExitedWithCode(0), "");
 }
 
-TEST_F(PropertyListFile, IsNoDictionaryWhenItHoldsSomethingElse) {
+TEST_F(PropertyListFile, IsNotADictionaryWhenItHoldsSomethingElse) {
   using namespace std::string_literals;
   const std::string rows[] = {
       "",
@@ -213,7 +213,7 @@ TEST_F(PropertyListFile, MayBeCutAnywhere) {
   for (const std::string &whole : {kHead + kDoctype + kBody, binaryPropertyList(sample())}) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
       NSDictionary *list = read(whole.substr(0, length));
-      // What follows the closing tag of the dictionary adds nothing.
+      // Nothing after the closing tag of the dictionary is needed.
       if (length < whole.find("</dict>")) EXPECT_TRUE(list == nil) << length;
     }
   }
@@ -244,7 +244,7 @@ TEST_F(PropertyListFile, MayBeHuge) {
   EXPECT_TRUE(read() == nil);
 }
 
-TEST_F(PropertyListFile, MayBeNestedWithoutEnd) {
+TEST_F(PropertyListFile, MayBeNestedDeeply) {
   const std::string open = kHead + "<plist version=\"1.0\"><dict><key>a</key>";
   for (const int levels : {1000, 20000, 60000}) {
     SCOPED_TRACE(levels);
@@ -260,7 +260,7 @@ TEST_F(PropertyListFile, MayBeNestedWithoutEnd) {
   EXPECT_TRUE(read(kHead + repeated("<array><!-- </a> -->/>", 45000)) == nil);
 }
 
-TEST_F(PropertyListFile, MayReferToItselfOrExplode) {
+TEST_F(PropertyListFile, MayContainItselfOrExpandWithoutLimit) {
   using namespace std::string_literals;
   const std::string key = "\x51k"s;
   EXPECT_TRUE(read(binary({"\xD1\x01\x00"s, key})) == nil) << "dictionary in itself";

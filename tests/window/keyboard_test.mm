@@ -31,7 +31,7 @@ class Keyboard : public WindowTest {
   /// The controls that take keys, from the top left to the bottom right, beginning with the one
   /// that has the keyboard first.
   static Names readingOrder(NSWindow *window, id owner) {
-    std::vector<NSView *> controls = controlsOf(window);
+    std::vector<NSView *> controls = controlsIn(window);
     std::erase_if(controls, [](NSView *view) { return !takesKeys(view); });
     std::ranges::sort(controls, [](NSView *a, NSView *b) {
       const NSRect one = visibleFrame(a), other = visibleFrame(b);

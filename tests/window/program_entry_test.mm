@@ -200,7 +200,7 @@ TEST_F(ProgramEntry, RefusesInFiveLanguagesUnderTheOskelTitle) {
 }  // namespace
 }  // namespace windowtest
 
-/// Takes the place of the platform's entry point, which would never return.
+/// Replaces the platform's entry point, which would never return.
 int NSApplicationMain(int argc, const char *argv[]) {
   windowtest::theEvents.emplace_back("main of the platform");
   windowtest::theForwardedArguments.assign(argv, argv + argc);

@@ -61,7 +61,7 @@ Control *outlet(id owner, const char *name) {
 
 void disconnect(id owner, const char *name);
 
-/// A text of the shipped catalogue, read apart from the program's own reader.
+/// A string of the shipped catalogue, read without the program's own reader.
 std::string catalogueString(const std::string &entry, const std::string &group,
                             const std::string &key);
 

@@ -58,7 +58,7 @@ LookupResult lookUpGroup(std::string_view name, group &entry, std::vector<char> 
 }
 
 /// All groups of a user, the primary one included.
-std::vector<gid_t> groupsOf(const passwd &user) {
+std::vector<gid_t> groupsForUser(const passwd &user) {
   std::vector<gid_t> groups(64);
   int count = static_cast<int>(groups.size());
   while (getgrouplist(user.pw_name, user.pw_gid, groups.data(), &count) < 0) {
@@ -143,7 +143,7 @@ MembershipResult isMember(std::string_view user, std::string_view group) noexcep
   if (userFound.outcome == Lookup::Failed) return {Membership::Failed, userFound.error};
   if (userFound.outcome == Lookup::Unknown) return {Membership::UnknownUser};
 
-  const std::vector<gid_t> groups = groupsOf(userEntry);
+  const std::vector<gid_t> groups = groupsForUser(userEntry);
   const bool member = std::find(groups.begin(), groups.end(), groupEntry.gr_gid) != groups.end();
   return {member ? Membership::Member : Membership::NotMember};
 }
