@@ -3,6 +3,7 @@ work on it is shown by every test that applies."""
 
 import subprocess
 import time
+from pathlib import Path
 
 import pytest
 from driver.commands import run as run_command
@@ -130,6 +131,10 @@ def test_launchctl_says_on_its_error_stream_what_it_cannot_do(
     result = run("alice", f"/bin/launchctl {line}")
     assert result.returncode == status
     assert result.stderr.count("\n") == 1
+
+
+def test_programs_of_root_share_no_settings_with_those_outside(machine: Machine) -> None:
+    assert Path("~root/GNUstep").expanduser().is_mount()
 
 
 def test_the_console_belongs_to_alice(machine: Machine) -> None:
