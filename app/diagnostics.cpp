@@ -1,5 +1,8 @@
 #include "app/diagnostics.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -7,6 +10,15 @@
 namespace app {
 
 void ignoreBrokenPipes() { std::signal(SIGPIPE, SIG_IGN); }
+
+void openStandardStreams() {
+  int null = STDIN_FILENO;
+  while (null <= STDERR_FILENO) {
+    null = ::open("/dev/null", O_RDWR);  // takes the lowest free descriptor
+    if (null < 0) fatalError("the null device cannot be opened");
+  }
+  ::close(null);
+}
 
 void printLine(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stdout);

@@ -10,6 +10,11 @@ namespace app {
 /// of Apply, the program must still start the jobs that it stopped.
 void ignoreBrokenPipes();
 
+/// Opens the null device for each standard stream that is closed. Otherwise the next file or
+/// connection that the process opens would take its place, and messages would be written into it.
+/// Stops the process if there is no null device.
+void openStandardStreams();
+
 /// Writes one status message and a newline to standard output and flushes it, so that it appears in
 /// the right order with what the commands write there. A failed write is ignored.
 void printLine(std::string_view text);

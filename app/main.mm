@@ -31,6 +31,7 @@ void loadMainInterface(AppDelegate *owner) {
 
 int main(int argc, const char *argv[]) {
   app::ignoreBrokenPipes();
+  app::openStandardStreams();
   NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
   app::registerUserDefaults();
   username = app::utf8(NSUserName());

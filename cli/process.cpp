@@ -38,8 +38,8 @@ void copyToEnd(int from, int to) {
 }  // namespace
 
 int separateResultFromMessages() {
-  int null = ::open("/dev/null", O_RDWR);
-  while (null >= 0 && null <= STDERR_FILENO) null = ::dup(null);
+  app::openStandardStreams();
+  const int null = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
   if (null < 0) app::fatalError("the null device cannot be opened");
   ::dup2(null, STDIN_FILENO);
   ::close(null);

@@ -1,6 +1,7 @@
 #include "app/diagnostics.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -97,6 +98,25 @@ TEST(BrokenPipes, MakeAWriteFailAndDoNotEndTheProgram) {
   EXPECT_EQ(errno, EPIPE);
   ::close(ends[1]);
   std::signal(SIGPIPE, before);
+}
+
+/// Whether the descriptor is the null device.
+bool isNullDevice(int descriptor) {
+  struct stat null;
+  struct stat info;
+  return ::stat("/dev/null", &null) == 0 && ::fstat(descriptor, &info) == 0 &&
+         S_ISCHR(info.st_mode) && info.st_rdev == null.st_rdev;
+}
+
+TEST(ClosedStandardStreamsDeathTest, BecomeTheNullDeviceAndOpenOnesStay) {
+  const auto check = [] {
+    ::close(STDIN_FILENO);
+    ::close(STDOUT_FILENO);
+    app::openStandardStreams();
+    const bool areOpen = isNullDevice(STDIN_FILENO) && isNullDevice(STDOUT_FILENO);
+    std::_Exit(areOpen && !isNullDevice(STDERR_FILENO) ? 0 : 1);
+  };
+  EXPECT_EXIT(check(), testing::ExitedWithCode(0), "");
 }
 
 TEST(StderrStream, AddsNothing) {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -116,6 +117,20 @@ TEST_F(ProgramEntry, IgnoresBrokenPipesBeforeAnythingElseRuns) {
   run({"program"});
   std::signal(SIGPIPE, before);
   EXPECT_TRUE(ignored);
+}
+
+TEST_F(ProgramEntry, OpensClosedStandardStreamsBeforeAnythingElseRuns) {
+  const int input = ::dup(STDIN_FILENO);
+  ::close(STDIN_FILENO);
+  bool isOpen = false;
+  doubles::fakeDirectory().mayStart = [&](const std::string &) {
+    isOpen = ::fcntl(STDIN_FILENO, F_GETFD) != -1;
+    return true;
+  };
+  run({"program"});
+  ::dup2(input, STDIN_FILENO);
+  ::close(input);
+  EXPECT_TRUE(isOpen);
 }
 
 TEST_F(ProgramEntry, RegistersItsDefaultsBeforeThereIsAnApplication) {
