@@ -23,7 +23,7 @@ from faults import CLEAN, COMMANDS, NEW, OLD, Ready, Start, after_apply, entries
 LAST_BEFORE_FILE = CLEAN.shells_before_file - 1
 ELSEWHERE = PREFERENCES.parent / "elsewhere"
 PAGE = os.sysconf("SC_PAGE_SIZE")
-HANG = 3
+HANG = 2
 Tried = Callable[[object], None]
 
 
