@@ -7,8 +7,6 @@
 foreach(_name IN ITEMS gtest gtest_main gmock gmock_main)
   add_library(GTest::${_name} INTERFACE IMPORTED)
   target_include_directories(GTest::${_name} SYSTEM INTERFACE "${MAC_TEST_HEADERS}")
-  # Nothing runs, so nothing is worth optimising.
   target_compile_options(
-    GTest::${_name}
-    INTERFACE -O0 "$<$<COMPILE_LANGUAGE:OBJCXX>:SHELL:-include \"${MAC_API}/macos_test_api.h\">")
+    GTest::${_name} INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:SHELL:-include \"${MAC_API}/macos_test_api.h\">")
 endforeach()
