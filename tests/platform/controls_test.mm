@@ -108,6 +108,39 @@ TEST(TextField, KeepsItsTextInPlaceWhileItIsBeingEdited) {
   [window orderOut:nil];
 }
 
+NSData *pictureWith(NSTextField *field, NSString *text) {
+  [field setStringValue:text];
+  [[field window] display];
+  NSView *around = [field superview];
+  [around lockFocus];
+  NSBitmapImageRep *picture =
+      [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[field frame]] autorelease];
+  [around unlockFocus];
+  return [picture TIFFRepresentation];
+}
+
+TEST(TextField, EndsALongValueWithAnEllipsisWhileItIsNotEdited) {
+  [[NSApplication sharedApplication] finishLaunching];
+  NSTextField *field =
+      [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 120, 22)] autorelease];
+  [[field cell] setScrollable:YES];
+  [[field cell] setLineBreakMode:NSLineBreakByTruncatingTail];
+  NSWindow *window = windowWith(field);
+  [window makeFirstResponder:nil];
+  NSString *wide = [@"" stringByPaddingToLength:40 withString:@"n" startingAtIndex:0];
+  NSData *shown = pictureWith(field, wide);
+  const CGFloat width = NSWidth([[field cell] titleRectForBounds:[field bounds]]);
+  NSString *fitting = @"";
+  for (NSUInteger length = 1; length < 20; ++length) {
+    NSString *longer = [[wide substringToIndex:length] stringByAppendingString:@"\u2026"];
+    [field setStringValue:longer];
+    if ([[field attributedStringValue] size].width <= width) fitting = longer;
+  }
+  EXPECT_GT([fitting length], 5U);
+  EXPECT_TRUE([pictureWith(field, fitting) isEqual:shown]);
+  [window orderOut:nil];
+}
+
 TEST(Button, LooksTheSameAfterAClickByTheKeyboard) {
   [NSApplication sharedApplication];
   NSButton *checkBox = [[[NSButton alloc] initWithFrame:NSMakeRect(10, 10, 200, 18)] autorelease];
