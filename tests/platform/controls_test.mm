@@ -141,6 +141,17 @@ TEST(TextField, EndsALongValueWithAnEllipsisWhileItIsNotEdited) {
   [window orderOut:nil];
 }
 
+TEST(Button, IsAsHighAsOnMacOSWhenItIsACheckBoxFittedToItsTitle) {
+  [NSApplication sharedApplication];
+  NSButton *checkBox = [[[NSButton alloc] initWithFrame:NSMakeRect(10, 10, 300, 18)] autorelease];
+  [checkBox setButtonType:NSButtonTypeSwitch];
+  [checkBox setBordered:NO];
+  [checkBox setTitle:@"title"];
+  [checkBox sizeToFit];
+  EXPECT_EQ(NSHeight([checkBox frame]), 18);
+  EXPECT_LT(NSWidth([checkBox frame]), 100);
+}
+
 TEST(Button, LooksTheSameAfterAClickByTheKeyboard) {
   [NSApplication sharedApplication];
   NSButton *checkBox = [[[NSButton alloc] initWithFrame:NSMakeRect(10, 10, 200, 18)] autorelease];
