@@ -45,9 +45,7 @@ class Pictures:
             login = program.login_window()
             self._take(login.number, edition, f"login-{language}")
             if language in edition.languages:
-                login.type("alice")
-                login.press("Tab")
-                login.type(ACCOUNTS["alice"].password)
+                login.type_login("alice", ACCOUNTS["alice"].password)
                 login.press("Return")
                 settings = program.settings_window()
                 wait_for_keyboard(self._display, settings)

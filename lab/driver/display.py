@@ -6,6 +6,8 @@ import subprocess
 from pathlib import Path
 from typing import NamedTuple
 
+from .commands import run
+
 
 class Geometry(NamedTuple):
     """A window on the screen."""
@@ -57,15 +59,7 @@ class Display:
     def xdotool(self, *words: object) -> str:
         """Runs xdotool and returns what it prints: nothing when it fails, for example because a
         window is gone."""
-        return subprocess.run(
-            ["xdotool", *map(str, words)],
-            env=self.environment,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.DEVNULL,
-            text=True,
-            check=False,
-            timeout=60,
-        ).stdout
+        return run("xdotool", *words, env=self.environment).stdout
 
     def geometry(self, window: str) -> Geometry | None:
         """Place and size of a window, if it exists."""
@@ -87,5 +81,4 @@ class Display:
     def screenshot(self, file: Path) -> None:
         """Writes the whole screen to a PNG file."""
         file.parent.mkdir(parents=True, exist_ok=True)
-        command = ["import", "-window", "root", str(file)]
-        subprocess.run(command, env=self.environment, check=True, timeout=60)
+        run("import", "-window", "root", file, env=self.environment, check=True)

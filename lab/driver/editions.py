@@ -26,14 +26,8 @@ class Edition:
         return Path(self.folder) / "SystemAgent/settings"
 
 
-def _read(table: Path) -> dict[str, Edition]:
-    editions = {}
-    for line in table.read_text().splitlines():
-        if not line.startswith("#"):
-            oem, name, title, folder, profile, languages = line.split("\t")
-            codes = tuple(languages.split(","))
-            editions[oem] = Edition(oem, name, title, folder, profile, codes)
-    return editions
-
-
-EDITIONS = _read(TABLE)
+_ROWS = [row.split("\t") for row in TABLE.read_text().splitlines() if not row.startswith("#")]
+EDITIONS = {
+    oem: Edition(oem, name, title, folder, profile, tuple(languages.split(",")))
+    for oem, name, title, folder, profile, languages in _ROWS
+}

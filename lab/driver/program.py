@@ -97,6 +97,12 @@ class Window:
     def press(self, *keys: str) -> None:
         self._display.xdotool("key", "--delay", 2, *keys)
 
+    def type_login(self, user: str, password: str) -> None:
+        """Types both fields of the login window, from the first, which has the keyboard."""
+        self.type(user)
+        self.press("Tab")
+        self.type(password)
+
 
 class Program:
     """The program, started by an account of the lab as from its session."""
@@ -169,9 +175,7 @@ class Program:
         """Logs in with the keyboard and returns the settings window."""
         window = self.login_window()
         window.click("username")
-        window.type(user)
-        window.press("Tab")
-        window.type(password)
+        window.type_login(user, password)
         window.press("Return")
         return self.settings_window()
 

@@ -2,7 +2,6 @@
 
 import os
 import shlex
-import subprocess
 from dataclasses import dataclass
 from typing import NamedTuple
 
@@ -19,6 +18,7 @@ from expected_commands import (
     stop_agent,
     stop_daemon,
 )
+from driver.commands import run
 from driver.editions import EDITIONS
 from driver.machine import AGENT, DAEMON, Account, Command, Job
 from status_messages import FAILED, SAID
@@ -63,15 +63,8 @@ def _survivors(shell: list[Command], command: int) -> list[Command]:
 
 def _numeric_id(user: str) -> str:
     """What `id` prints for a name, on either stream, without newlines."""
-    result = subprocess.run(
-        ["id", "-u", user],
-        env=os.environ | {"LANG": LANGUAGE},
-        stdout=subprocess.PIPE,
-        stderr=subprocess.STDOUT,
-        text=True,
-        check=False,
-    )
-    return result.stdout.replace("\n", "")
+    result = run("id", "-u", user, env=os.environ | {"LANG": LANGUAGE})
+    return (result.stdout + result.stderr).replace("\n", "")
 
 
 def _by_shell(commands: list[Command]) -> list[list[Command]]:

@@ -146,7 +146,6 @@ def apply_commands(
     *,
     stops: Collection[Operation] = STOPS,
     reset: bool = False,
-    starts: Collection[Operation] = STARTS,
 ) -> list[Command]:
     """All commands of one Apply behind the look-up of the console user."""
 
@@ -160,9 +159,9 @@ def apply_commands(
         *(stop_daemon(runner, admin) if stop_daemon in stops else []),
         *(reset_settings(runner, admin, edition) if reset else []),
         *check_daemon(runner, admin),
-        *(start_daemon(runner, admin) if start_daemon in starts else []),
+        *start_daemon(runner, admin),
         *session(check_agent),
-        *(session(start_agent) if start_agent in starts else []),
+        *session(start_agent),
     ]
 
 

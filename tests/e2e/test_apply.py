@@ -9,14 +9,12 @@ from typing import Any
 
 import pytest
 from driver.editions import EDITIONS
-from driver.machine import ACCOUNTS, AGENT, DAEMON, PREFERENCES, SERVER_PLIST, Job, Machine
+from driver.machine import ACCOUNTS, AGENT, DAEMON, PREFERENCES, SERVER_PLIST, Machine
 from driver.program import Program
 from expected_commands import (
     ALICE,
     RESET_FILES,
-    STARTS,
     STOPS,
-    Operation,
     apply_by_alice,
     check_agent,
     check_daemon,
@@ -28,7 +26,7 @@ from expected_commands import (
     stop_agent,
     stop_daemon,
 )
-from status_messages import FAILED, SAID, WRITE_ERROR, said
+from status_messages import FAILED, WRITE_ERROR, said
 
 Start = Callable[..., Program]
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
@@ -104,15 +102,6 @@ def test_a_reset_touches_the_settings_of_its_own_edition_only(
         assert len(list(row.settings.iterdir())) == (1 if oem == edition else 4)
 
 
-@pytest.mark.parametrize("arguments", [("bob",), ("bob", "502", "x")], ids=["one", "three"])
-def test_only_exactly_two_arguments_name_the_console_user(
-    machine: Machine, start: Start, arguments: tuple[str, ...]
-) -> None:
-    program = apply_once(start, arguments=arguments)
-    assert machine.journal() == LOGIN + apply_by_alice(stops=())
-    assert program.output.startswith("USER=alice uid=501\n")
-
-
 @pytest.mark.parametrize(
     ("user", "console", "is_told", "is_restricted"),
     [("bob", "alice", False, False), ("alice", "bob", True, False), ("alice", "alice", False, True)],
@@ -146,36 +135,6 @@ def test_a_session_that_asuser_refuses_keeps_its_job_and_the_start_is_reported(
     assert program.errors.count("switch to") == 1
     assert machine.loaded() == {AGENT, DAEMON}
     assert SERVER_PLIST.read_bytes() == NEW
-
-
-@pytest.mark.parametrize(
-    ("operation", "part", "needless", "loaded"),
-    [
-        (stop_agent, "unload -w /Library/LaunchAgents", start_agent, {AGENT, DAEMON}),
-        (stop_daemon, "unload -w /Library/LaunchDaemons", start_daemon, {AGENT, DAEMON}),
-        (start_daemon, "load -w /Library/LaunchDaemons", None, {AGENT}),
-        (start_agent, "load -w /Library/LaunchAgents", None, {DAEMON}),
-    ],
-    ids=["stop agent", "stop daemon", "start daemon", "start agent"],
-)
-def test_a_job_that_does_not_stop_or_start_is_reported_and_the_rest_is_done(
-    machine: Machine,
-    start: Start,
-    operation: Operation,
-    part: str,
-    needless: Operation | None,
-    loaded: set[Job],
-) -> None:
-    machine.load(AGENT, DAEMON)
-    machine.add_fault("launchctl", f"^/bin/launchctl {part}", exit=1)
-    program = apply_once(start)
-    starts = [step for step in STARTS if step is not needless]
-    assert machine.journal() == LOGIN + apply_by_alice(starts=starts)
-    outcomes = {**SAID, operation: FAILED[operation]}
-    steps = (*STOPS, *starts)
-    assert program.output.splitlines()[1:] == [outcomes[step] for step in steps]
-    assert SERVER_PLIST.read_bytes() == NEW
-    assert machine.loaded() == loaded
 
 
 def test_a_read_only_folder_keeps_the_old_settings_and_the_jobs_are_restarted(

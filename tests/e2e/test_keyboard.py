@@ -26,7 +26,7 @@ def program(machine: Machine, start: Callable[..., Program]) -> Program:
     """The program over stored settings, with its login window open."""
     machine.write_server_plist(OLD)
     program = start(edition="Quorvix")
-    program.login_window().type("alice")
+    program.login_window()
     return program
 
 
@@ -34,8 +34,7 @@ def program(machine: Machine, start: Callable[..., Program]) -> Program:
 def window(program: Program, display: KeyboardDisplay) -> Window:
     """The settings window, whose server field has the keyboard."""
     login = program.login_window()
-    login.press("Tab")
-    login.type(ALICE.password)
+    login.type_login("alice", ALICE.password)
     login.press("Return")
     settings = program.settings_window()
     wait_for_keyboard(display, settings)
@@ -122,6 +121,8 @@ def test_command_q_ends_the_program_where_escape_does_not(program: Program, wind
 
 @pytest.mark.parametrize("keys", [["Escape"], ["Tab", "Tab", "space"]], ids=["Escape", "button"])
 def test_quit_in_the_login_window(machine: Machine, program: Program, keys: list[str]) -> None:
-    program.login_window().press(*keys)
+    login = program.login_window()
+    login.type("alice")
+    login.press(*keys)
     assert program.wait() == 0
     assert machine.journal() == []

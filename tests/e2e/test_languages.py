@@ -13,25 +13,35 @@ Start = Callable[..., Program]
 
 
 @pytest.mark.parametrize(
-    ("edition", "stored", "kept", "installed"),
+    ("edition", "stored", "steps", "language", "installed"),
     [
-        ("Quorvix", "es", "es", True),
-        ("Zentavo", "it", "fr", False),
-        ("Fennrow", "de", "en", True),
-        ("Tollwick", "", "en", False),
+        ("Quorvix", "es", 0, "es", True),
+        ("Zentavo", "it", 0, "fr", False),
+        ("Fennrow", "de", 0, "en", True),
+        ("Tollwick", "", 1, "de", False),
+        ("Quorvix", "fr", -1, "en", False),
     ],
 )
-def test_the_stored_language_is_kept_or_replaced_by_the_editions_own(
-    machine: Machine, start: Start, edition: str, stored: str, kept: str, installed: bool
+def test_the_stored_language_is_kept_replaced_by_the_editions_own_or_by_a_chosen_one(
+    machine: Machine,
+    start: Start,
+    edition: str,
+    stored: str,
+    steps: int,
+    language: str,
+    installed: bool,
 ) -> None:
     row = EDITIONS[edition]
     others = [other.profile for other in EDITIONS.values() if other != row]
     machine.install_profiles(*others, *([row.profile] if installed else []))
     machine.write_server_plist(server_plist(stored, "192.0.2.10", "4000", not installed))
     program = start(edition=edition)
-    program.log_in().click("Apply_button")
+    window = program.log_in()
+    if steps:
+        window.choose("selectLanguage", steps)
+    window.click("Apply_button")
     assert program.wait() == 0
-    assert SERVER_PLIST.read_bytes() == server_plist(kept, "192.0.2.10", "4000", installed)
+    assert SERVER_PLIST.read_bytes() == server_plist(language, "192.0.2.10", "4000", installed)
     login = profile_check("alice", ACCOUNTS["alice"], row)
     assert machine.journal() == login + apply_by_alice(row, stops=())
     assert machine.loaded() == {DAEMON, AGENT}
@@ -50,19 +60,3 @@ def test_without_a_stored_language_the_systems_counts_if_it_is_english_or_french
     window.press("Return")
     assert program.wait() == 0
     assert SERVER_PLIST.read_bytes() == server_plist(kept, "::1", "6000", False)
-
-
-@pytest.mark.parametrize(
-    ("edition", "stored", "steps", "chosen"),
-    [("Quorvix", "en", 4, "es"), ("Zentavo", "fr", -1, "en"), ("Tollwick", "en", 1, "de")],
-)
-def test_a_chosen_language_is_stored(
-    machine: Machine, start: Start, edition: str, stored: str, steps: int, chosen: str
-) -> None:
-    machine.write_server_plist(server_plist(stored, "192.0.2.10", "4000", False))
-    program = start(edition=edition)
-    window = program.log_in()
-    window.choose("selectLanguage", steps)
-    window.click("Apply_button")
-    assert program.wait() == 0
-    assert SERVER_PLIST.read_bytes() == server_plist(chosen, "192.0.2.10", "4000", False)

@@ -19,14 +19,18 @@ Start = Callable[..., Program]
 every_edition = pytest.mark.parametrize("edition", EDITIONS)
 
 
-def log_in(window: Window, user: str, password: str) -> None:
-    """Types a login and waits until the name is there, so that a field emptied later is seen."""
+def log_in(window: Window, user: str, password: str, with_button: bool = False) -> list[str]:
+    """Logs in once what is typed is shown, so that a field emptied later is seen. Gives the fields."""
     window.click("username")
-    window.type(user)
-    window.wait_until(functools.partial(window.shows_text, "username"), "name")
-    window.press("Tab")
-    window.type(password)
-    window.press("Return")
+    window.type_login(user, password)
+    typed = [field for field, text in [("username", user), ("password", password)] if text]
+    for field in typed:
+        window.wait_until(functools.partial(window.shows_text, field), f"text in {field}")
+    if with_button:
+        window.click("OkButton")
+    else:
+        window.press("Return")
+    return typed
 
 
 @every_edition
@@ -81,23 +85,10 @@ def test_a_refused_login_empties_both_fields_and_a_right_one_may_follow(
 ) -> None:
     program = start()
     window = program.login_window()
-    window.click("username")
-    window.type(user)
-    window.press("Tab")
-    window.type(password)
-    typed = [field for field, text in [("username", user), ("password", password)] if text]
-    for field in typed:
-        window.wait_until(functools.partial(window.shows_text, field), f"text in {field}")
-    if button:
-        window.click("OkButton")
-    else:
-        window.press("Return")
-    for field in typed:
+    for field in log_in(window, user, password, button):
         window.wait_until(functools.partial(window.is_empty, field), f"{field} emptied")
     # The keyboard is back in an empty name field: a right login is typed without a click.
-    window.type("alice")
-    window.press("Tab")
-    window.type("alice-pw")
+    window.type_login("alice", "alice-pw")
     window.press("Return")
     program.settings_window().click("Quit_button")
     assert program.wait() == 0
