@@ -175,21 +175,18 @@ def apply_by_alice(
 
 def server_plist(language: str, server: str, port: str, profile: bool) -> bytes:
     """The file that Apply writes, byte for byte."""
-    lines = [
-        '<?xml version="1.0" encoding="UTF-8"?>',
-        '    <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" '
-        '"http://www.apple.com/DTDs/PropertyList-1.0.dtd">',
-        '    <plist version="1.0">',
-        "    <dict>",
-        "        <key>language</key>",
-        f"        <string>{language}</string>",
-        "        <key>server</key>",
-        f"        <string>{server}</string>",
-        "        <key>port</key>",
-        f"        <integer>{port}</integer>",
-        "        <key>profile</key>",
-        "        <true/>" if profile else "        <false/>",
-        "    </dict>",
-        "    </plist>",
-    ]
-    return "\n".join(lines).encode()
+    identifier = '"-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd"'
+    return f"""<?xml version="1.0" encoding="UTF-8"?>
+    <!DOCTYPE plist PUBLIC {identifier}>
+    <plist version="1.0">
+    <dict>
+        <key>language</key>
+        <string>{language}</string>
+        <key>server</key>
+        <string>{server}</string>
+        <key>port</key>
+        <integer>{port}</integer>
+        <key>profile</key>
+        <{"true" if profile else "false"}/>
+    </dict>
+    </plist>""".encode()

@@ -92,14 +92,6 @@ def test_tab_goes_round_the_controls_and_back_to_the_first(
     assert program.wait() == 0
 
 
-def test_cut_text_is_pasted_back_and_applied(program: Program, window: Window) -> None:
-    window.press("alt+a", "alt+x", "alt+v")
-    window.type("5")
-    window.press("Return")
-    assert program.wait() == 0
-    assert SERVER_PLIST.read_bytes() == server_plist("en", "192.0.2.15", "4000", False)
-
-
 def test_a_copy_of_the_server_replaces_the_port(program: Program, window: Window) -> None:
     window.type("4711")
     window.press("alt+a", "alt+c", "alt+v")

@@ -59,15 +59,6 @@ def test_an_administrator_logs_in_and_quits_and_only_the_profile_is_asked_for(
     assert program.output == ""
 
 
-def test_quit_in_the_login_window_ends_the_program_and_nothing_has_run(
-    machine: Machine, start: Start
-) -> None:
-    program = start()
-    program.login_window().click("QuitButton")
-    assert program.wait() == 0
-    assert machine.journal() == []
-
-
 @pytest.mark.parametrize(
     ("user", "password", "button"),
     [
