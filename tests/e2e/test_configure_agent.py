@@ -22,6 +22,7 @@ from expected_commands import (
     DAEMON_FILE,
     RESET_FILES,
     STARTS,
+    Operation,
     server_plist,
     stop_agent,
     stop_daemon,
@@ -70,7 +71,7 @@ def test_apply_runs_the_defined_commands_between_two_observations(
     tool.prepare(machine, *([AGENT] if agent else []), *([DAEMON] if daemon else []))
     result = run(*APPLY, *(["--reset"] if reset else []))
     assert result.status == 0
-    stops = [*([stop_agent] if agent else []), *([stop_daemon] if daemon else [])]
+    stops: list[Operation] = [*([stop_agent] if agent else []), *([stop_daemon] if daemon else [])]
     assert machine.journal() == [*looks(), *sequence(stops=stops, reset=reset), *checks()]
     assert result.report == {
         "changed": True,
