@@ -174,7 +174,7 @@ def growth(macs: list[Mac], ansible: Ansible, forks: int) -> None:
         command = ansible_command(ansible, "check", server, forks)
         cost = measure(command, ansible.environment, watch_memory=True)
         print(
-            f"| {names} | {forks} | {cost.wall:.0f} s | {cost.wall / names * 1000:.0f} ms "
+            f"| {names:,} | {forks} | {cost.wall:.0f} s | {cost.wall / names * 1000:.0f} ms "
             f"| {cost.cpu / names:.2f} s | {cost.memory / 1e6:.0f} MB |",
             flush=True,
         )
