@@ -4,7 +4,6 @@
 // keeps one window.
 
 #import <AppKit/AppKit.h>
-#import <objc/runtime.h>
 
 /// A part of a picture.
 @interface PlatformTile : NSImage {
