@@ -5,6 +5,7 @@ import sys
 from pathlib import Path
 
 import pytest
+from sample_tree import write_tree
 
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools"))
@@ -19,10 +20,8 @@ TEXT = """
 
 @pytest.fixture(name="tree")
 def _tree(tmp_path: Path) -> Path:
-    for path in ("README.md", "docs/a.md", "app/main.mm", "app/Window+Apply.mm", "script/build"):
-        file = tmp_path / path
-        file.parent.mkdir(exist_ok=True)
-        file.write_text(TEXT if path == "docs/a.md" else "", encoding="utf-8")
+    empty = ("README.md", "app/main.mm", "app/Window+Apply.mm", "script/build")
+    write_tree(tmp_path, dict.fromkeys(empty, "") | {"docs/a.md": TEXT})
     subprocess.run(["git", "init", "-q"], cwd=tmp_path, check=True)
     return tmp_path
 

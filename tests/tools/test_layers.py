@@ -4,6 +4,7 @@ import sys
 from pathlib import Path
 
 import pytest
+from sample_tree import write_tree
 
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools"))
@@ -34,10 +35,7 @@ SOURCES = {
 
 @pytest.fixture(name="tree")
 def _tree(tmp_path: Path) -> Path:
-    for path, text in SOURCES.items():
-        file = tmp_path / path
-        file.parent.mkdir(exist_ok=True)
-        file.write_text(text, encoding="utf-8")
+    write_tree(tmp_path, SOURCES)
     return tmp_path
 
 

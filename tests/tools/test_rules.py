@@ -5,6 +5,7 @@ import subprocess
 from pathlib import Path
 
 import pytest
+from sample_tree import write_tree
 
 ROOT = Path(__file__).resolve().parents[2]
 SCRIPT = """#!/usr/bin/env bash
@@ -32,10 +33,7 @@ SOURCES = {
 
 @pytest.fixture(name="tree")
 def _tree(tmp_path: Path) -> Path:
-    for path, text in SOURCES.items():
-        file = tmp_path / path
-        file.parent.mkdir(exist_ok=True)
-        file.write_text(text, encoding="utf-8")
+    write_tree(tmp_path, SOURCES)
     shutil.copy2(ROOT / "script/lint", tmp_path / "script")
     (tmp_path / "script/bootstrap").write_text("#!/bin/bash\nset -euo pipefail\n")
     (tmp_path / "script/bootstrap").chmod(0o755)

@@ -67,6 +67,16 @@ class EditingKeys : public WindowTest {
     return recorder;
   }
 
+  /// The server stays selected.
+  ServerWindowController *openSettingsAndCopyServer() {
+    ServerWindowController *controller = openSettings();
+    NSWindow *window = [controller window];
+    [window makeFirstResponder:outlet<NSTextField>(controller, "servername")];
+    press(window, "a", NSEventModifierFlagCommand);
+    press(window, "c", NSEventModifierFlagCommand);
+    return controller;
+  }
+
   AppDelegate *delegate_ = nil;
 };
 
@@ -99,11 +109,8 @@ std::string edited(id owner, const char *field) {
 }
 
 TEST_F(EditingKeys, CopyCutAndPasteWithinTheProgram) {
-  ServerWindowController *controller = openSettings();
+  ServerWindowController *controller = openSettingsAndCopyServer();
   NSWindow *window = [controller window];
-  [window makeFirstResponder:outlet<NSTextField>(controller, "servername")];
-  press(window, "a", NSEventModifierFlagCommand);
-  press(window, "c", NSEventModifierFlagCommand);
   EXPECT_EQ(edited(controller, "servername"), "192.0.2.10");
   press(window, "x", NSEventModifierFlagCommand);
   EXPECT_EQ(edited(controller, "servername"), "");
@@ -120,11 +127,8 @@ TEST_F(EditingKeys, CopyCutAndPasteWithinTheProgram) {
 }
 
 TEST_F(EditingKeys, KeepWhatWasCopiedWhenNothingIsSelected) {
-  ServerWindowController *controller = openSettings();
+  ServerWindowController *controller = openSettingsAndCopyServer();
   NSWindow *window = [controller window];
-  [window makeFirstResponder:outlet<NSTextField>(controller, "servername")];
-  press(window, "a", NSEventModifierFlagCommand);
-  press(window, "c", NSEventModifierFlagCommand);
   [[outlet<NSTextField>(controller, "servername") currentEditor]
       setSelectedRange:NSMakeRange(2, 0)];
   press(window, "c", NSEventModifierFlagCommand);
