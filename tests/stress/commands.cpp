@@ -1,7 +1,6 @@
 // Thousands of commands in every mode, while signals keep arriving.
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 
@@ -12,6 +11,12 @@
 #include <string>
 
 #include "agent/shell.h"
+
+#ifdef __APPLE__
+#include <malloc/malloc.h>
+#else
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -56,11 +61,14 @@ class Signals {
 
 long openDescriptors() { return std::distance(std::filesystem::directory_iterator("/dev/fd"), {}); }
 
-/// The most memory that the process has ever used: in kB, or on macOS in bytes.
-long peakMemory() {
-  rusage usage{};
-  ::getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
+/// What the process has allocated and not freed. The size of the process would not do: the system
+/// counts it in portions of 256 kB and more.
+std::size_t bytesInUse() {
+#ifdef __APPLE__
+  return ::mstats().bytes_used;
+#else
+  return ::mallinfo2().uordblks;
+#endif
 }
 
 bool hasNoChild() { return ::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD; }
@@ -83,16 +91,15 @@ TEST_P(TenThousandCommands, LeakNoDescriptorChildOrMemoryWhileSignalsArrive) {
   const Signals signals;
   for (int i = 0; i < kCallsToWarmUp; ++i) ASSERT_NO_FATAL_FAILURE(callOnce(GetParam(), i));
   const long descriptors = openDescriptors();
-  const long memory = peakMemory();
+  const std::size_t bytes = bytesInUse();
   for (int i = 0; i < kCalls; ++i) ASSERT_NO_FATAL_FAILURE(callOnce(GetParam(), i));
 
   EXPECT_EQ(openDescriptors(), descriptors);
   EXPECT_TRUE(hasNoChild());
-  // A leak of 16 bytes per call would exceed this.
-  EXPECT_LE(peakMemory() - memory, memory / 150) << "of " << memory;
+  EXPECT_LT(bytesInUse(), bytes + kCalls);  // not even one byte per call
   EXPECT_GE(alarms, 1000);
   EXPECT_GE(childSignals, kCalls);
-  std::printf("peak memory %ld, then %ld; %d SIGALRM, %d SIGCHLD\n", memory, peakMemory(),
+  std::printf("%zu bytes in use, then %zu; %d SIGALRM, %d SIGCHLD\n", bytes, bytesInUse(),
               int{alarms}, int{childSignals});
 }
 
