@@ -1,16 +1,11 @@
 """The check of the documents finds stale links and names, and nothing else."""
 
 import subprocess
-import sys
 from pathlib import Path
 
+import documents
 import pytest
 from sample_tree import write_tree
-
-ROOT = Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tools"))
-
-import documents  # noqa: E402  pylint: disable=wrong-import-position
 
 TEXT = """
 [readme](../README.md#part), [web](https://example.org/none), `app/main.mm`, `app/`,

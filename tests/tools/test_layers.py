@@ -1,15 +1,10 @@
 """The layer check finds each kind of violation, and nothing in a tree without one."""
 
-import sys
 from pathlib import Path
 
+import layers
 import pytest
 from sample_tree import write_tree
-
-ROOT = Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tools"))
-
-import layers  # noqa: E402  pylint: disable=wrong-import-position
 
 TABLE = """
 | layer | what | files |

@@ -46,7 +46,7 @@ class Mutation:
     name: str
     file: str
     original: str
-    replacement: str
+    replacement: str = ""
     may_survive: str = ""
 
     def apply(self, source: Path) -> None:
