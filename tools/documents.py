@@ -1,6 +1,6 @@
 """Checks that the links and the file names in the Markdown documents exist.
 
-A link is relative to its document. A name in backquotes that begins with a folder of the tree is
+A link is relative to its document and may name one of its headings. A name in backquotes that begins with a folder of the tree is
 relative to the root, even when arguments follow it; a pattern or a name without its suffix is fine.
 """
 
@@ -9,7 +9,8 @@ import subprocess
 import sys
 from pathlib import Path
 
-LINK = re.compile(r"\]\((?!https?:|#|mailto:)([^)#\s]+)")
+LINK = re.compile(r"\]\((?!https?:|mailto:)([^)#\s]*)(?:#([^)\s]+))?\)")
+HEADING = re.compile(r"^#+ (.*)", re.MULTILINE)
 NAME = re.compile(r"`((?:\.?\w+)/[\w./+*-]*)[^`]*`")
 
 
@@ -25,6 +26,12 @@ def exists(root: Path, name: str) -> bool:
     return any(root.glob(name.rstrip("/"))) or any(root.glob(name.rstrip("/") + ".*"))
 
 
+def has_heading(document: Path, anchor: str) -> bool:
+    """Whether a heading has that anchor: its words in lower case, without punctuation, joined by hyphens."""
+    headings = HEADING.findall(document.read_text(encoding="utf-8"))
+    return anchor in [re.sub(r"[^\w -]", "", heading).lower().replace(" ", "-") for heading in headings]
+
+
 def check(root: Path) -> list[str]:
     """Every finding in the tree at `root`."""
     names = tracked(root)
@@ -32,9 +39,12 @@ def check(root: Path) -> list[str]:
     findings = []
     for document in (name for name in names if name.endswith(".md")):
         text = (root / document).read_text(encoding="utf-8")
-        for target in LINK.findall(text):
-            if not (root / document).parent.joinpath(target).exists():
+        for target, anchor in LINK.findall(text):
+            file = (root / document).parent / target if target else root / document
+            if not file.exists():
                 findings.append(f"{document}: links to {target}, which does not exist")
+            elif anchor and not has_heading(file, anchor):
+                findings.append(f"{document}: links to {target}#{anchor}, which does not exist")
         for name in NAME.findall(text):
             if name.split("/")[0] in folders and not exists(root, name):
                 findings.append(f"{document}: names {name}, which does not exist")
