@@ -14,7 +14,8 @@ exit 8"""
 @pytest.fixture
 def tools(tmp_path: Path) -> AppleTools:
     """A copy of the scripts in the folder "tree", with nothing built."""
-    shutil.copytree(ROOT / "script", tmp_path / "tree/script")
+    for name in ("script", "tools"):
+        shutil.copytree(ROOT / name, tmp_path / "tree" / name)
     tools = AppleTools(tmp_path / "tools")
     replace_command(tools, "ctest", CTEST)
     return tools

@@ -48,7 +48,7 @@ class Tree:
 
     def __init__(self, folder: Path):
         self.folder, self.output = folder, ""
-        for name in (*SCRIPTS, *tracked("script", "fuzz/corpus", "resources", "platform/macos/toolchain")):
+        for name in (*SCRIPTS, *tracked("script", "tools", "fuzz/corpus", "resources", "platform/macos/toolchain")):
             (folder / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy2(REPOSITORY / name, folder / name)
         (folder / "build").mkdir()

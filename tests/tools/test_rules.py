@@ -34,7 +34,9 @@ SOURCES = {
 @pytest.fixture(name="tree")
 def _tree(tmp_path: Path) -> Path:
     write_tree(tmp_path, SOURCES)
-    shutil.copy2(ROOT / "script/lint", tmp_path / "script")
+    for name in ("script/lint", "tools/usage.sh"):
+        (tmp_path / name).parent.mkdir(exist_ok=True)
+        shutil.copy2(ROOT / name, tmp_path / name)
     (tmp_path / "script/bootstrap").write_text("#!/bin/bash\nset -euo pipefail\n")
     (tmp_path / "script/bootstrap").chmod(0o755)
     subprocess.run(["git", "init", "--quiet", tmp_path], check=True)
