@@ -1,4 +1,4 @@
-"""The project's own rules find each kind of violation, and nothing in a tree without one."""
+"""The rules and the words of script/lint: each violation is found, and nothing in a tree without one."""
 
 import shutil
 import subprocess
@@ -28,6 +28,8 @@ SOURCES = {
     "app/Window+Jobs.mm": "@implementation Window (Jobs)\n@end\n",
     "agent/jobs.h": "enum class Job { Loaded, Missing };\nconstexpr int kJobs = 2;\n",
     "script/sample": SCRIPT,
+    "script/retired_words.txt": "# a comment\ngadgets?\ttool\n",
+    "script/technical_words.txt": "ba\n",
 }
 
 
@@ -43,14 +45,15 @@ def _tree(tmp_path: Path) -> Path:
     return tmp_path
 
 
-def findings(tree: Path) -> str:
-    done = subprocess.run([tree / "script/lint", "rules"], text=True, capture_output=True, check=False)
+def findings(tree: Path, check: str = "rules") -> str:
+    done = subprocess.run([tree / "script/lint", check], text=True, capture_output=True, check=False)
     assert done.returncode == (1 if done.stdout else 0), done.stderr
     return done.stdout
 
 
-def test_a_tree_that_follows_the_rules_has_no_finding(tree: Path) -> None:
-    assert findings(tree) == ""
+@pytest.mark.parametrize("check", ["rules", "words"])
+def test_a_tree_that_follows_the_rules_has_no_finding(tree: Path, check: str) -> None:
+    assert findings(tree, check) == ""
 
 
 @pytest.mark.parametrize("path, line, finding", [
@@ -85,3 +88,20 @@ def test_a_violation_is_found(tree: Path, path: str, line: str, finding: str) ->
 def test_a_version_without_an_entry_in_the_changelog_is_found(tree: Path) -> None:
     (tree / "CHANGELOG.md").write_text("## 0.9.0\n", encoding="utf-8")
     assert "CHANGELOG.md has no entry for the version" in findings(tree)
+
+
+# In two parts, because this file is checked as well.
+WRONG = "reci" "eve"
+
+
+@pytest.mark.parametrize("path, text, finding", [
+    ("docs/a.md", f"It will {WRONG} one.", f"docs/a.md:1: {WRONG} ==> "),
+    ("resources/en.lproj/a.strings", WRONG, f"a.strings:1: {WRONG} ==> "),
+    (f"app/{WRONG}.h", "", f"{WRONG} ==> "),
+    ("app/jobs.cpp", "// the other Gadgets", "app/jobs.cpp:1:// the other Gadgets\n  use instead: tool"),
+    ("app/gadget_map.h", "", "app/gadget_map.h"),
+    ("script/retired_words.txt", "(\tnot a valid pattern", "use instead: not a valid pattern"),
+])
+def test_a_word_that_is_not_used_here_is_found(tree: Path, path: str, text: str, finding: str) -> None:
+    write_tree(tree, {path: f"{text}\n"})
+    assert finding in findings(tree, "words")
