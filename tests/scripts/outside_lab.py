@@ -22,6 +22,7 @@ SYSTEM = (
     *("/usr/bin/bash", "/usr/bin/sudo", "/usr/bin/stat", "/usr/bin/launchctl", "/usr/sbin/ping"),
     "/etc/ssh/fleet_sshd_config",
 )
+LIMIT = 60  # seconds, on a busy machine
 # A signal, whether the whole process group gets it, and the exit status that follows.
 each_interruption = pytest.mark.parametrize(
     ("number", "whole_group", "status"),
@@ -100,10 +101,10 @@ class Trace:
             assert process.stdout is not None
             if ready:
                 assert process.stdout.readline() == b"ready\n"
-            wait_until(lambda: any(started in line for line in running(self.mark)), started)
+            wait_until(lambda: any(started in line for line in running(self.mark)), started, LIMIT)
             (os.killpg if whole_group else os.kill)(process.pid, number)
-            assert process.wait(timeout=10) == status
-            wait_until(lambda: not running(self.mark), "end of all processes of the lab")
+            assert process.wait(LIMIT) == status
+            wait_until(lambda: not running(self.mark), "end of all processes of the lab", LIMIT)
             self.check()
         finally:
             process.kill()

@@ -48,7 +48,7 @@ class Tree:
 
     def __init__(self, folder: Path):
         self.folder, self.output = folder, ""
-        for name in (*SCRIPTS, *tracked("script", "tools", "fuzz/corpus", "resources", "platform/macos/toolchain")):
+        for name in (*SCRIPTS, *tracked("script", "tools", "fuzz", "resources", "platform/macos/toolchain")):
             (folder / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy2(REPOSITORY / name, folder / name)
         (folder / "build").mkdir()
@@ -57,8 +57,6 @@ class Tree:
         self.replace(*(f"bin/{name}" for name in ON_PATH))
         for target in (REPOSITORY / "fuzz/corpus").iterdir():
             self.replace(f"build/fuzz/fuzz/fuzz_{target.name}")
-        (folder / "build/Testing/Temporary").mkdir(parents=True)
-        (folder / "build/Testing/Temporary/LastTest.log").touch()
 
     def replace(self, *names: str, text: str = RECORD) -> None:
         for name in names:
@@ -103,9 +101,12 @@ def test_an_unknown_option_is_refused_with_the_usage(script: str) -> None:
     assert result.stderr.startswith(f"usage: {script}")
 
 
+CI_STEPS = "script/lint script/test script/check-macos script/fuzz script/coverage script/faults"
 # Script and arguments, what is replaced for it, and calls that it makes, in this order.
-# tests/macos runs script/check-macos --self-test and script/package.
+# tests/macos runs script/check-macos --self-test, script/package and script/report-mac; tests/tools runs
+# script/mutate.
 RUNS = [
+    (".ci/run", CI_STEPS, "lint;test;check-macos;fuzz 30;coverage;faults"),
     ("script/bench", "build/bench/bench/commands_bench", r"commands_bench .*=90 ;measure.py .* 30$"),
     ("script/bench 5", "build/bench/bench/commands_bench", r"commands_bench .*=15 ;measure.py .* 5$"),
     ("script/bootstrap", "bin/dpkg-query", r"apt-get update;apt-get install .* clang "),
@@ -116,11 +117,11 @@ RUNS = [
     ("script/demo --edition Oskel", "script/build", "lab/run -- .* Quorvix "),
     ("script/demo --language de", "script/build", "lab/run -- .* --language de "),
     ("script/demo --by-hand", "script/build", "lab/run --display -- .* --by-hand$"),
-    ("script/faults", "script/test", "script/test -C Faults"),
     ("script/fleet-bench", "script/build lab/fleet", "fleet 1 -- .* table 3 10 50;fleet 50 -- .* growth 1 50$"),
     ("script/fleet-bench 1 2", "script/build lab/fleet", "fleet 2 -- .* table 1 10 50;fleet 2 -- .* growth"),
     ("script/fuzz", "", "--target fuzz_targets;fuzz_utf8 -max_total_time=1[0-9] "),
     ("script/fuzz 10", "", "--target fuzz_targets;fuzz_utf8 -max_total_time=[1-9] "),
+    ("script/fuzz", "fuzz/new.cpp build/fuzz/fuzz/fuzz_new", "fuzz_new .* fuzz/corpus/new$"),
     ("script/lint shell", "bin/git bin/xargs", " shellcheck$"),
     ("script/lint shell format", "bin/git bin/xargs", " shellcheck$; clang-format "),
     ("script/sanitize", "", "cmake --preset instrumented;ctest .*unit;ctest .*window"),
@@ -155,6 +156,36 @@ def test_coverage_runs_the_tests_and_fails_below_95_percent(
     assert f"| `app/` | 100 | {100 - missed} | {100 - missed}.0 % |" in tree.output
 
 
+@pytest.mark.parametrize(("log", "tried", "status"), [("12 faults tried\n\n3 faults tried", 15, 0), ("", 0, 1)])
+def test_the_numbers_of_faults_are_added_up_and_none_at_all_is_a_failure(
+    tree: Tree, log: str, tried: int, status: int
+) -> None:
+    file = tree.folder / "build/Testing/Temporary/LastTest.log"
+    file.parent.mkdir(parents=True)
+    file.write_text(log)
+    tree.replace("script/test")
+    assert tree.run("script/faults", status=status)[0].startswith("script/test -C Faults -R ^e2e")
+    assert tree.output == f"{tried} faults tried\n"
+
+
+def test_continuous_integration_stops_at_the_first_failure(tree: Tree) -> None:
+    tree.replace(*CI_STEPS.split())
+    tree.replace("script/test", text="exit 1")
+    assert [line.strip() for line in tree.run(".ci/run", status=1)] == ["script/lint"]
+
+
+def test_npm_packages_are_installed_once(tree: Tree) -> None:
+    folders = (tree.folder / "platform/macos/toolchain", tree.folder / "build/packages")
+    install = ("tools/install_npm", *map(str, folders))
+    npm = tree.folder / "bin/npm"
+    recorded = npm.read_text()
+    npm.write_text("#!/bin/bash\necho no network; exit 1\n")
+    tree.run(*install, status=1)
+    npm.write_text(recorded)
+    assert [line.split()[:2] for line in tree.run(*install)] == [["bin/npm", "--prefix"]]
+    assert tree.run(*install) == []
+
+
 def test_an_unknown_check_fails(tree: Tree) -> None:
     tree.replace("script/bootstrap")
     tree.run("script/lint", "no_such_check", status=1)
@@ -181,6 +212,23 @@ def test_the_icon_is_drawn(tree: Tree) -> None:
         icon.unlink()
     tree.run("script/icon")
     assert [icon.read_bytes()[:4] for icon in icons] == [b"icns", b"\x89PNG"]
+
+
+def test_the_theme_that_is_drawn_replaces_the_old_one(tree: Tree) -> None:
+    theme = tree.folder / "platform/gnustep/theme"
+    (theme / "Resources/Old").mkdir(parents=True)
+    (theme / "draw.py").write_text(
+        "import pathlib, sys\n"
+        'drawn = pathlib.Path(sys.argv[1], "ThemeImages")\n'
+        "drawn.mkdir(parents=True)\n"
+        '(drawn / "new.png").touch()\n'
+    )
+    tree.replace("bin/optipng")
+    (call,) = tree.run("script/theme")
+    assert call.endswith("/Resources/ThemeImages/new.png")
+    assert [str(file.relative_to(theme / "Resources")) for file in (theme / "Resources").rglob("*")] == [
+        "ThemeImages", "ThemeImages/new.png",
+    ]
 
 
 def test_pictures_that_have_changed_replace_the_old_ones_and_others_go(tree: Tree) -> None:
@@ -219,7 +267,7 @@ def test_the_demo_by_hand_opens_the_program_on_the_users_display() -> None:
         text=True,
     )
     try:
-        wait_until(quit_the_program, "end of the demo", 60)
+        wait_until(quit_the_program, "end of the demo", 180)
         output = demo.communicate()[0]
     finally:
         demo.kill()
