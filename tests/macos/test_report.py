@@ -36,7 +36,8 @@ def report(tools: AppleTools, home: str = "/Users/somebody") -> str:
 
 def test_the_report_says_what_has_not_been_built(tools: AppleTools) -> None:
     text = report(tools)
-    assert "== tests\nnot built" in text and "== bundles\nnot built" in text
+    for what, script in (("tests", "build"), ("bundles", "build"), ("packages", "package")):
+        assert f"== {what}\nnot built: run script/{script}\n" in text
     called = {c[0] for c in tools.calls()}
     assert {"sw_vers", "xcodebuild", "ibtool"} <= called
 
@@ -82,20 +83,32 @@ def test_the_report_names_neither_the_user_nor_the_computer_nor_any_secret(
         assert name not in text
 
 
+def test_the_report_is_in_the_build_folder_unless_a_file_is_given(tools: AppleTools) -> None:
+    done = tools.run(tools.folder.parent / "tree/script/report-mac")
+    assert done.stdout == f"{tools.folder.parent}/tree/build/report-mac.txt\n"
+    assert "== system" in Path(done.stdout.strip()).read_text()
+
+
 def test_the_report_needs_a_mac(tools: AppleTools) -> None:
     with tools.without("uname"):
         done = tools.run(tools.folder.parent / "tree/script/report-mac")
     assert (done.returncode, done.stderr) == (1, "script/report-mac: needs a Mac\n")
 
 
-@pytest.mark.parametrize("fault", ["xcrun --find", "ibtool --version"])
-def test_bootstrap_asks_for_an_ibtool_that_runs(tools: AppleTools, fault: str) -> None:
+@pytest.mark.parametrize("fault, missing, named", [
+    ("", "", ""),
+    ("xcrun --find", "", "a working ibtool"),
+    ("ibtool --version", "", "a working ibtool"),
+    ("", "gtest/gtest.h", "GoogleTest"),
+    ("", "nlohmann/json.hpp", "nlohmann-json"),
+])
+def test_bootstrap_names_what_is_missing(tools: AppleTools, fault: str, missing: str, named: str) -> None:
+    for header in {"gtest/gtest.h", "nlohmann/json.hpp"} - {missing}:
+        file = tools.folder / "include" / header
+        file.parent.mkdir(parents=True)
+        file.touch()
+    replace_command(tools, "brew", f"echo {shlex.quote(str(tools.folder))}")
     tools.fail(fault)
     done = tools.run(tools.folder.parent / "tree/script/bootstrap")
-    assert done.returncode == 1
-    assert "a working ibtool" in done.stderr
-
-
-def test_bootstrap_does_not_ask_for_an_ibtool_that_is_there(tools: AppleTools) -> None:
-    done = tools.run(tools.folder.parent / "tree/script/bootstrap")
-    assert "ibtool" not in done.stderr
+    assert done.returncode == (1 if named else 0)
+    assert done.stderr.count("missing:") == (1 if named else 0) and named in done.stderr
