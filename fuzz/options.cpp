@@ -28,17 +28,14 @@ std::vector<std::string> argumentsIn(std::string_view text) {
   return arguments;
 }
 
-bool consistsOf(const std::string &text, std::string_view allowed) {
-  return !text.empty() && text.find_first_not_of(allowed) == std::string::npos;
-}
-
 bool isHarmlessServer(const std::string &server) {
-  return consistsOf(server, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-:") &&
+  return fuzz::consistsOf(server,
+                          "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-:") &&
          server.front() != '-';
 }
 
 bool isPlainPort(const std::string &port) {
-  return consistsOf(port, "0123456789") && port.size() <= 5 && std::stoi(port) <= 65535 &&
+  return fuzz::consistsOf(port, fuzz::kDigits) && port.size() <= 5 && std::stoi(port) <= 65535 &&
          (port == "0" || port.front() != '0');
 }
 

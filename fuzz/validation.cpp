@@ -15,10 +15,6 @@ namespace {
 
 using settings::ValidationResult;
 
-bool consistsOf(std::string_view text, std::string_view characters) {
-  return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
-}
-
 /// Compares digits as text: no number type, no overflow. `limit` has no leading zero.
 bool isAtMost(std::string_view digits, std::string_view limit) {
   digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
@@ -28,7 +24,7 @@ bool isAtMost(std::string_view digits, std::string_view limit) {
 bool expectPort(std::string_view text) {
   const bool negative = text.starts_with('-');
   if (negative || text.starts_with('+')) text.remove_prefix(1);
-  return consistsOf(text, "0123456789") && isAtMost(text, negative ? "0" : "65535");
+  return fuzz::consistsOf(text, fuzz::kDigits) && isAtMost(text, negative ? "0" : "65535");
 }
 
 }  // namespace
@@ -39,8 +35,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
   const bool ipv4 = settings::isIPv4(text);
   const bool ipv6 = settings::isIPv6(text);
   fuzz::check(settings::isPort(text) == expectPort(text), "isPort");
-  fuzz::check(!ipv4 || consistsOf(toNul, "0123456789."), "isIPv4");
-  fuzz::check(!ipv6 || consistsOf(toNul, "0123456789abcdefABCDEF:."), "isIPv6");
+  fuzz::check(!ipv4 || fuzz::consistsOf(toNul, "0123456789."), "isIPv4");
+  fuzz::check(!ipv6 || fuzz::consistsOf(toNul, "0123456789abcdefABCDEF:."), "isIPv6");
   fuzz::check(!ipv4 || !ipv6, "both IPv4 and IPv6");
   const ValidationResult address = settings::validateServer(text, true);
   fuzz::check((address == ValidationResult::Accept) == (ipv4 || ipv6), "validateServer");
