@@ -3,12 +3,11 @@
 #include <grp.h>
 #include <pwd.h>
 #include <security/pam_appl.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace platform {
@@ -18,44 +17,17 @@ namespace {
 // system's common rules.
 constexpr const char *kPamService = "other";
 
-constexpr std::size_t kMaxRecordSize = std::size_t{1} << 24;
-
-/// A name that can be handed to C: not empty and without embedded NUL, which would cut it short.
-bool isUsableName(std::string_view name) {
-  return !name.empty() && name.find('\0') == std::string_view::npos;
-}
-
-/// Runs one of the get..nam_r functions with a buffer that grows as it asks for.
+/// The entry of that name. C would cut a name with an embedded NUL short.
 template <typename Entry>
-LookupResult lookUp(std::string_view name,
-                    int (*function)(const char *, Entry *, char *, std::size_t, Entry **),
-                    char *Entry::*entryName, Entry &entry, std::vector<char> &buffer) {
-  if (!isUsableName(name)) return {Lookup::Unknown};
-  const std::string key(name);
-  Entry *found = nullptr;
-  int error = ERANGE;
-  for (std::size_t size = 4096; error == ERANGE && size <= kMaxRecordSize; size *= 2) {
-    buffer.resize(size);
-    do {
-      error = function(key.c_str(), &entry, buffer.data(), buffer.size(), &found);
-    } while (error == EINTR);
-  }
-  if (found != nullptr) return {key == entry.*entryName ? Lookup::Found : Lookup::Unknown};
-  // Several of the name service's back ends report a missing name as one of these.
-  constexpr int kMissing[] = {0, ENOENT, ESRCH, EBADF, EPERM};
-  if (std::find(std::begin(kMissing), std::end(kMissing), error) != std::end(kMissing)) {
-    return {Lookup::Unknown};
-  }
-  return {Lookup::Failed, error};
+const Entry *find(std::string_view name, Entry *(*function)(const char *),
+                  char *Entry::*entryName) {
+  if (name.empty() || name.find('\0') != std::string_view::npos) return nullptr;
+  const Entry *entry = function(std::string(name).c_str());
+  return entry != nullptr && name == entry->*entryName ? entry : nullptr;
 }
 
-LookupResult lookUpUser(std::string_view name, passwd &entry, std::vector<char> &buffer) {
-  return lookUp<passwd>(name, getpwnam_r, &passwd::pw_name, entry, buffer);
-}
-
-LookupResult lookUpGroup(std::string_view name, group &entry, std::vector<char> &buffer) {
-  return lookUp<group>(name, getgrnam_r, &group::gr_name, entry, buffer);
-}
+const passwd *findUser(std::string_view name) { return find(name, getpwnam, &passwd::pw_name); }
+const group *findGroup(std::string_view name) { return find(name, getgrnam, &group::gr_name); }
 
 /// All groups of a user, the primary one included.
 std::vector<gid_t> groupsForUser(const passwd &user) {
@@ -118,50 +90,26 @@ int authenticate(const char *user, char *password) {
 
 }  // namespace
 
-LookupResult findUser(std::string_view name) noexcept {
-  passwd entry;
-  std::vector<char> buffer;
-  return lookUpUser(name, entry, buffer);
+bool userExists(std::string_view name) noexcept { return findUser(name) != nullptr; }
+bool groupExists(std::string_view name) noexcept { return findGroup(name) != nullptr; }
+
+bool isMember(std::string_view user, std::string_view group) noexcept {
+  const struct group *groupEntry = findGroup(group);
+  const passwd *userEntry = findUser(user);
+  if (groupEntry == nullptr || userEntry == nullptr) return false;
+  const gid_t id = groupEntry->gr_gid;  // the next look-up may overwrite the entry
+  const std::vector<gid_t> groups = groupsForUser(*userEntry);
+  return std::find(groups.begin(), groups.end(), id) != groups.end();
 }
 
-LookupResult findGroup(std::string_view name) noexcept {
-  group entry;
-  std::vector<char> buffer;
-  return lookUpGroup(name, entry, buffer);
-}
-
-MembershipResult isMember(std::string_view user, std::string_view group) noexcept {
-  struct group groupEntry;
-  std::vector<char> groupBuffer;
-  const LookupResult groupFound = lookUpGroup(group, groupEntry, groupBuffer);
-  if (groupFound.outcome == Lookup::Failed) return {Membership::Failed, groupFound.error};
-  if (groupFound.outcome == Lookup::Unknown) return {Membership::UnknownGroup};
-
-  passwd userEntry;
-  std::vector<char> userBuffer;
-  const LookupResult userFound = lookUpUser(user, userEntry, userBuffer);
-  if (userFound.outcome == Lookup::Failed) return {Membership::Failed, userFound.error};
-  if (userFound.outcome == Lookup::Unknown) return {Membership::UnknownUser};
-
-  const std::vector<gid_t> groups = groupsForUser(userEntry);
-  const bool member = std::find(groups.begin(), groups.end(), groupEntry.gr_gid) != groups.end();
-  return {member ? Membership::Member : Membership::NotMember};
-}
-
-int verifyPassword(std::string_view user, std::string_view password) noexcept {
-  // pam_start without a name would ask for one.
-  if (!isUsableName(user)) return PAM_USER_UNKNOWN;
-  if (password.find('\0') != std::string_view::npos) return PAM_AUTH_ERR;
+bool verifyPassword(std::string_view user, std::string_view password) noexcept {
+  // PAM would ask for an empty name, and cut either at an embedded NUL.
+  if (findUser(user) == nullptr || password.find('\0') != std::string_view::npos) return false;
   const std::string name(user);
   std::string secret(password);
   const int status = authenticate(name.c_str(), secret.data());
   explicit_bzero(secret.data(), secret.size());
-  return status;
-}
-
-std::string describePamStatus(int status) {
-  const char *text = pam_strerror(nullptr, status);
-  return text != nullptr ? text : "unknown PAM status";
+  return status == PAM_SUCCESS;
 }
 
 }  // namespace platform
