@@ -4,7 +4,6 @@ Started by script/theme. Everything is drawn from vectors below, in points; one 
 """
 
 import argparse
-import plistlib
 import subprocess
 from collections.abc import Mapping
 from pathlib import Path
@@ -300,15 +299,12 @@ def write_colours(file: Path) -> None:
 
 
 def write_info(file: Path) -> None:
-    tiles = {tile.name: {"FileName": f"{tile.name}.png", "NinePatch": "YES"} for tile in TILES}
-    names = {name: f"{name}.png" for name, *_ in IMAGES}
-    info = {
-        "NSExecutable": "",
-        "GSThemeName": "Mac",
-        "GSThemeTiles": tiles,
-        "GSThemeImages": names,
-    }
-    file.write_bytes(plistlib.dumps(info))
+    """The theme's property list in text form: its tiles by name."""
+    tiles = [
+        f'    {tile.name} = {{ FileName = "{tile.name}.png"; NinePatch = YES; }};' for tile in TILES
+    ]
+    lines = ["{", "  GSThemeName = Mac;", "  GSThemeTiles = {", *sorted(tiles), "  };", "}"]
+    file.write_text("\n".join(lines) + "\n")
 
 
 def main() -> None:
