@@ -137,19 +137,23 @@ def row(macs: list[Mac], ansible: Ansible, forks: int, operation: str, runs: int
     verb = OPERATIONS[operation]
     costs: dict[str, list[Cost]] = {"ansible": [], "ssh": []}
     server = str(macs[0].settings()["server"])
+
+    def run(engine: str, watch_memory: bool = False) -> Cost:
+        nonlocal server
+        if operation == "change":
+            server = next(servers)
+        if engine == "ansible":
+            command = ansible_command(ansible, verb, server, forks)
+        else:
+            command = ssh_command(macs, verb, server, forks)
+        cost = measure(command, ansible.environment, watch_memory)
+        assert settled(macs, server)
+        return cost
+
     for _ in range(runs):
         for engine, spent in costs.items():
-            if operation == "change":
-                server = next(servers)
-            command = (
-                ansible_command(ansible, verb, server, forks)
-                if engine == "ansible"
-                else ssh_command(macs, verb, server, forks)
-            )
-            spent.append(measure(command, ansible.environment))
-            assert settled(macs, server)
-    command = ansible_command(ansible, verb, server, forks)
-    memory = measure(command, ansible.environment, watch_memory=True).memory
+            spent.append(run(engine))
+    memory = run("ansible", watch_memory=True).memory
     wall = {engine: median(cost.wall for cost in spent) for engine, spent in costs.items()}
     cpu = {
         engine: median(cost.cpu for cost in spent) / len(macs) for engine, spent in costs.items()
