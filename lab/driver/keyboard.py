@@ -33,13 +33,9 @@ def wait_for_keyboard(display: Display, window: Window) -> None:
     window.wait_until(lambda: has_selected_text(display, window, "servername"), "keyboard focus")
 
 
-def choose_with_keys(display: Display, window: Window, steps: int, key: str = "Return") -> None:
+def choose_with_keys(window: Window, steps: int, key: str = "Return") -> None:
     """Opens the pop-up that has the keyboard and chooses the item that many steps below."""
-
-    def is_open() -> bool:
-        return bool(display.xdotool("search", "--onlyvisible", "--name", "^Window$"))
-
     window.press("space")
-    window.wait_until(is_open, "menu")
+    window.wait_until(window.menu_is_open, "menu")
     window.press(*["Down"] * steps, key)
-    window.wait_until(lambda: not is_open(), "end of the menu")
+    window.wait_until(lambda: not window.menu_is_open(), "end of the menu")

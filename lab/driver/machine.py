@@ -112,33 +112,21 @@ class Machine:
         return [Command(r["user"], tuple(r["argv"])) for r in _in_order(self.records())]
 
     def add_fault(
-        self,
-        program: str,
-        part: str = "",
-        *,
-        times: int | None = None,
-        stderr: int | None = None,
-        prints: bytes | None = None,
-        delay: float | None = None,
-        exit: int | None = None,
-        signal: int | None = None,
+        self, program: str, part: str = "", *, times: int | None = None, **actions: float | bytes
     ) -> None:
         """Adds a fault rule for the calls of a program whose command line contains `part`.
 
-        A part that starts with ^ must be at the beginning of the command line.
+        A part that starts with ^ must be at the beginning of the command line. `times` limits the
+        rule to the first calls; -n is for the n-th call alone.
 
-        The actions happen in the order of the arguments; without `exit` or `signal` the call then
-        goes on as usual. `times` limits the rule to the first calls; -n is for the n-th call alone.
+        The actions are those of the lab (stderr, prints, delay, signal, exit) and happen in the order
+        of the arguments; without `exit` or `signal` the call then goes on as usual.
         """
-        actions = {
-            "stderr": stderr,
-            "prints": prints.hex() if prints else None,
-            "delay": delay,
-            "exit": exit,
-            "signal": signal,
-        }
-        words = ",".join(f"{verb}={n}" for verb, n in actions.items() if n is not None)
-        self.kills_commands |= signal is not None
+        words = ",".join(
+            f"{verb}={value.hex() if isinstance(value, bytes) else value}"
+            for verb, value in actions.items()
+        )
+        self.kills_commands |= "signal" in actions
         count = "always" if times is None else f"{times:06d}"
         with (STATE / "faults").open("a") as faults:
             faults.write(f"{count} {program} {words} {part}\n")

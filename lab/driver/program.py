@@ -63,7 +63,8 @@ class Window:
     def click(self, outlet: str) -> None:
         self._display.xdotool("mousemove", *self.place(outlet), "click", 1)
 
-    def _menu_is_open(self) -> bool:
+    def menu_is_open(self) -> bool:
+        """Whether a menu of one of the pop-up buttons is open."""
         return bool(self._display.xdotool("search", "--onlyvisible", "--name", "^Window$"))
 
     def choose(self, outlet: str, steps: int) -> None:
@@ -76,13 +77,13 @@ class Window:
         box = self._interface.box(outlet)
         x += round(box.width / 4)
         display.xdotool("mousemove", x, y, "mousedown", 1)
-        wait_until(self._menu_is_open, f"menu of {outlet}")
+        wait_until(self.menu_is_open, f"menu of {outlet}")
         wait_until(lambda: display.pixel(x, y) == MENU_HIGHLIGHT, f"current item of {outlet}")
         y += steps * round(box.height)
         display.xdotool("mousemove", x, y)
         wait_until(lambda: display.pixel(x, y) == MENU_HIGHLIGHT, f"item of {outlet}")
         display.xdotool("mouseup", 1)
-        wait_until(lambda: not self._menu_is_open(), f"end of the menu of {outlet}")
+        wait_until(lambda: not self.menu_is_open(), f"end of the menu of {outlet}")
 
     def fill(self, outlet: str, text: str) -> None:
         """Replaces the text of a field by typing."""

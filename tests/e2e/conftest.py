@@ -76,4 +76,5 @@ def start(
             print(f"status {program.poll()}\n{program.output}\n{program.errors}")
     for program in programs:
         program.kill()
+    for program in programs:
         check_no_password_is_printed(program, machine.kills_commands)

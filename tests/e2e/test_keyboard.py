@@ -43,20 +43,20 @@ def window(program: Program, display: KeyboardDisplay) -> Window:
 
 @pytest.mark.parametrize("way", [["Return"], ["Tab", "Tab", "space"]], ids=["Return", "button"])
 def test_every_setting_is_changed_tested_and_applied(
-    machine: Machine, program: Program, window: Window, display: KeyboardDisplay, way: list[str]
+    machine: Machine, program: Program, window: Window, way: list[str]
 ) -> None:
     with listen("192.0.2.10") as server:
         port = server.getsockname()[1]
         window.press("shift+Tab", "shift+Tab")
-        choose_with_keys(display, window, 3)  # German
+        choose_with_keys(window, 3)  # German
         window.press("Tab")
-        choose_with_keys(display, window, 1, "space")  # a host name
+        choose_with_keys(window, 1, "space")  # a host name
         window.press("Tab")
         window.type("fileserver")
         window.press("Tab")
         window.type(str(port))
         window.press("Tab")
-        choose_with_keys(display, window, 1)  # try the port
+        choose_with_keys(window, 1)  # try the port
         window.press("Tab", "space")
         window.wait_until(lambda: window.status() == "reachable", "success of the test")
     window.press("Tab", "space")  # reset the agent's settings
@@ -69,10 +69,10 @@ def test_every_setting_is_changed_tested_and_applied(
 
 @pytest.mark.parametrize("key", ["Return", "KP_Enter", "Escape"])
 def test_keys_of_an_open_menu_are_its_own(
-    machine: Machine, program: Program, window: Window, display: KeyboardDisplay, key: str
+    machine: Machine, program: Program, window: Window, key: str
 ) -> None:
     window.press("shift+Tab")
-    choose_with_keys(display, window, 1, key)
+    choose_with_keys(window, 1, key)
     # To Quit: server, port, kind of test, Test, reset; the profile's check box is passed over.
     window.press("Tab", "Tab", "Tab", "Tab", "Tab", "Tab", "space")
     assert program.wait() == 0

@@ -117,15 +117,13 @@ def test_ordinary_users_see_no_profiles_of_the_computer(machine: Machine) -> Non
 def test_fault_rules_fail_end_delay_and_disturb_the_commands_they_name(machine: Machine) -> None:
     machine.add_fault("ping", exit=7)
     machine.add_fault("nc", "-vz", times=2, signal=9)
-    machine.add_fault("id", "carol", delay=0.3, stderr=60000)
-    start = time.monotonic()
+    machine.add_fault("id", "carol", stderr=60000, delay=0.3)
     assert run("alice", "/sbin/ping -c 1 127.0.0.1").returncode == 7
     assert run("alice", "/usr/bin/nc -vz 127.0.0.1 1; exit").returncode == 137
     assert run("alice", "/usr/bin/nc -h; exit").returncode != 137
     assert run("alice", "/usr/bin/nc -vz 127.0.0.1 1; exit").returncode == 137
     assert run("alice", "/usr/bin/nc -vz 127.0.0.1 1; exit").returncode == 1
     assert run("alice", "id -u alice").stderr == ""
-    assert time.monotonic() - start < 2
     start = time.monotonic()
     result = run("alice", "id -u carol")
     assert (result.stdout, len(result.stderr)) == ("503\n", 60000)

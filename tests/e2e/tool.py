@@ -12,6 +12,7 @@ from typing import Any
 
 from driver.editions import EDITIONS
 from driver.machine import ACCOUNTS, AGENT, DAEMON, Account, Command, Job, Machine
+from driver.waiting import wait_until
 from expected_commands import (
     ALICE,
     apply_commands,
@@ -99,6 +100,24 @@ def prepare(machine: Machine, *jobs: Job) -> None:
     shutil.rmtree(RUN_FOLDER, ignore_errors=True)
     machine.write_server_plist(OLD)
     machine.load(*jobs)
+
+
+def is_stopped(pid: int) -> bool:
+    """Whether a process got SIGSTOP, as fault rules send it."""
+    try:
+        return "\nState:\tT" in Path(f"/proc/{pid}/status").read_text()
+    except OSError:
+        return False
+
+
+def wait_until_stopped(machine: Machine, part: str) -> int:
+    """Waits until a command whose line contains that is stopped; its process id."""
+
+    def stopped() -> int | None:
+        called = [r["pid"] for r in machine.records() if part in " ".join(r["argv"])]
+        return next((pid for pid in called if is_stopped(pid)), None)
+
+    return wait_until(stopped, f"stop of {part}")
 
 
 def looks(*, edition: str = "Zentavo", console: bool = True) -> list[Command]:
