@@ -40,10 +40,6 @@ function(platform_add_bundle target)
 
   set(title "${arg_TITLE}")
   set(identifier "${arg_IDENTIFIER}")
-  set(version "${PROJECT_VERSION}")
-  if(NOT version)
-    set(version "1.0")
-  endif()
   configure_file("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/Info-gnustep.plist.in" "${bundle}/Resources/Info-gnustep.plist"
                  @ONLY)
 

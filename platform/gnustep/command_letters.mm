@@ -2,7 +2,8 @@
 // keyboard, where macOS types nothing.
 
 #import <AppKit/AppKit.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 namespace {
 
@@ -18,8 +19,7 @@ bool isLetterWithCommand(NSEvent *event) {
 @implementation NSTextView (CommandLetters)
 
 + (void)load {
-  method_exchangeImplementations(class_getInstanceMethod(self, @selector(keyDown:)),
-                                 class_getInstanceMethod(self, @selector(platform_keyDown:)));
+  platform::exchange(self, @selector(keyDown:));
 }
 
 - (void)platform_keyDown:(NSEvent *)event {

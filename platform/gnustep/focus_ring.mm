@@ -4,7 +4,8 @@
 
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 namespace {
 
@@ -32,18 +33,13 @@ void drawRing(NSView *view) {
   [around unlockFocus];
 }
 
-void exchange(Class owner, SEL one, SEL other) {
-  method_exchangeImplementations(class_getInstanceMethod(owner, one),
-                                 class_getInstanceMethod(owner, other));
-}
-
 }  // namespace
 
 @implementation NSTextField (FocusRing)
 
 + (void)load {
-  exchange(self, @selector(becomeFirstResponder), @selector(platform_becomeFirstResponder));
-  exchange(self, @selector(textDidEndEditing:), @selector(platform_textDidEndEditing:));
+  platform::exchange(self, @selector(becomeFirstResponder));
+  platform::exchange(self, @selector(textDidEndEditing:));
 }
 
 - (void)drawRect:(NSRect)dirty {
@@ -69,8 +65,8 @@ void exchange(Class owner, SEL one, SEL other) {
 @implementation NSButton (FocusRing)
 
 + (void)load {
-  exchange(self, @selector(becomeFirstResponder), @selector(platform_becomeFirstResponder));
-  exchange(self, @selector(resignFirstResponder), @selector(platform_resignFirstResponder));
+  platform::exchange(self, @selector(becomeFirstResponder));
+  platform::exchange(self, @selector(resignFirstResponder));
 }
 
 - (BOOL)platform_becomeFirstResponder {
@@ -88,7 +84,7 @@ void exchange(Class owner, SEL one, SEL other) {
 @implementation GSTheme (FocusFrame)
 
 + (void)load {
-  exchange(self, @selector(drawFocusFrame:view:), @selector(platform_drawFocusFrame:view:));
+  platform::exchange(self, @selector(drawFocusFrame:view:));
 }
 
 /// The pictures of push buttons and pop-up buttons have their rings already.

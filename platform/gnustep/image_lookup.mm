@@ -5,7 +5,8 @@
 
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 @interface GSImageMagickImageRep : NSBitmapImageRep
 @end
@@ -32,9 +33,7 @@
 @implementation NSBundle (ThemeImages)
 
 + (void)load {
-  method_exchangeImplementations(
-      class_getInstanceMethod(self, @selector(pathForImageResource:)),
-      class_getInstanceMethod(self, @selector(platform_pathForImageResource:)));
+  platform::exchange(self, @selector(pathForImageResource:));
 }
 
 - (NSString *)platform_pathForImageResource:(NSString *)name {

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -21,30 +20,6 @@ namespace {
 
 /// As deep as macOS's parser goes.
 constexpr NSUInteger kMaxDepth = 512;
-
-/// Counts the bytes that are read, since the parser gives no position with its events.
-class CountingIterator {
- public:
-  using iterator_category = std::input_iterator_tag;
-  using value_type = char;
-  using difference_type = std::ptrdiff_t;
-  using pointer = const char *;
-  using reference = const char &;
-
-  CountingIterator(const char *at, std::size_t *count) : at_(at), count_(count) {}
-  reference operator*() const { return *at_; }
-  CountingIterator &operator++() {
-    ++at_;
-    ++*count_;
-    return *this;
-  }
-  bool operator==(const CountingIterator &other) const { return at_ == other.at_; }
-  bool operator!=(const CountingIterator &other) const { return at_ != other.at_; }
-
- private:
-  const char *at_;
-  std::size_t *count_;
-};
 
 /// The reason in an nlohmann message: without its error number and position, and without the text
 /// that was read last, which may not be valid UTF-8.
@@ -77,8 +52,9 @@ class ObjectBuilder final : public nlohmann::json_sax<nlohmann::json> {
   }
 
   id root() const { return root_; }
+  bool isTooDeep() const { return isTooDeep_; }
   const std::string &problem() const { return problem_; }
-  /// How many bytes end with the offending one; 0 when the parser found no fault itself.
+  /// How many bytes end with the offending one; 0 when nothing is wrong with any of them.
   std::size_t position() const { return position_; }
 
   bool null() override { return add([NSNull null]); }
@@ -134,10 +110,8 @@ class ObjectBuilder final : public nlohmann::json_sax<nlohmann::json> {
   }
 
   bool begin(id container) {
-    if ([containers_ count] == kMaxDepth) {
-      problem_ = "nested more than " + std::to_string(kMaxDepth) + " levels deep";
-      return false;
-    }
+    isTooDeep_ = [containers_ count] == kMaxDepth;
+    if (isTooDeep_) return false;
     add(container);
     [containers_ addObject:container];
     return true;
@@ -151,6 +125,7 @@ class ObjectBuilder final : public nlohmann::json_sax<nlohmann::json> {
   NSMutableArray *containers_;
   NSMutableArray *keys_;
   id root_ = nil;
+  bool isTooDeep_ = false;
   std::string problem_;
   std::size_t position_ = 0;
 };
@@ -170,12 +145,12 @@ NSString *describe(std::string_view text, std::size_t offset, const std::string 
 NSString *parse(std::string_view text, ObjectBuilder &builder) {
   // The parser takes NUL for the end of the text and would ignore the rest.
   const std::string_view visible = text.substr(0, text.find('\0'));
-  std::size_t consumed = 0;
-  const bool complete = nlohmann::json::sax_parse(
-      CountingIterator(visible.data(), &consumed),
-      CountingIterator(visible.data() + visible.size(), &consumed), &builder);
-  const std::size_t position = builder.position() != 0 ? builder.position() : consumed;
-  if (position >= visible.size() && visible.size() < text.size()) {
+  const bool complete = nlohmann::json::sax_parse(visible.begin(), visible.end(), &builder);
+  if (builder.isTooDeep()) {
+    return [NSString stringWithFormat:@"nested more than %lu levels deep", kMaxDepth];
+  }
+  const std::size_t position = builder.position();
+  if (visible.size() < text.size() && (complete || position >= visible.size())) {
     return describe(text, visible.size(), "a NUL character");
   }
   return complete ? nil : describe(text, position == 0 ? 0 : position - 1, builder.problem());

@@ -3,13 +3,13 @@
 // bar. A desktop without one shows none.
 
 #import <AppKit/AppKit.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 @implementation NSMenu (NoMenuWindow)
 
 + (void)load {
-  method_exchangeImplementations(class_getInstanceMethod(self, @selector(display)),
-                                 class_getInstanceMethod(self, @selector(platform_display)));
+  platform::exchange(self, @selector(display));
 }
 
 - (void)platform_display {

@@ -16,8 +16,6 @@
 // MARK: Foundation
 
 typedef NSString *NSErrorUserInfoKey;
-typedef NSString *NSFileAttributeKey;
-typedef NSString *NSURLResourceKey;
 
 extern NSErrorUserInfoKey const NSDebugDescriptionErrorKey;
 
@@ -41,23 +39,10 @@ extern NSImageName const NSImageNameStatusAvailable;
 extern NSImageName const NSImageNameStatusNone;
 extern NSImageName const NSImageNameStatusUnavailable;
 
-constexpr NSAlertStyle NSAlertStyleWarning = NSWarningAlertStyle;
-constexpr NSAlertStyle NSAlertStyleInformational = NSInformationalAlertStyle;
-constexpr NSAlertStyle NSAlertStyleCritical = NSCriticalAlertStyle;
-
-constexpr NSButtonType NSButtonTypeMomentaryPushIn = NSMomentaryPushInButton;
-constexpr NSButtonType NSButtonTypeRadio = NSRadioButton;
 constexpr NSButtonType NSButtonTypeSwitch = NSSwitchButton;
-
 constexpr NSBezelStyle NSBezelStyleRounded = NSRoundedBezelStyle;
 
-constexpr NSEventType NSEventTypeLeftMouseDown = NSLeftMouseDown;
-constexpr NSEventType NSEventTypeLeftMouseUp = NSLeftMouseUp;
 constexpr NSEventType NSEventTypeKeyDown = NSKeyDown;
-constexpr NSEventType NSEventTypeKeyUp = NSKeyUp;
-constexpr NSEventType NSEventTypeApplicationDefined = NSApplicationDefined;
-constexpr NSEventMask NSEventMaskAny = NSAnyEventMask;
-
 constexpr NSEventModifierFlags NSEventModifierFlagShift = NSShiftKeyMask;
 constexpr NSEventModifierFlags NSEventModifierFlagControl = NSControlKeyMask;
 constexpr NSEventModifierFlags NSEventModifierFlagOption = NSAlternateKeyMask;
@@ -67,10 +52,7 @@ constexpr NSEventModifierFlags NSEventModifierFlagCommand = NSCommandKeyMask;
 // gui 0.29 loses this protocol with its own additions when a program asks for the macOS API only.
 @protocol NSApplicationDelegate <NSObject>
 @optional
-- (void)applicationWillFinishLaunching:(NSNotification *)notification;
 - (void)applicationDidFinishLaunching:(NSNotification *)notification;
-- (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication *)sender;
-- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication *)sender;
 - (void)applicationWillTerminate:(NSNotification *)notification;
 @end
 #endif

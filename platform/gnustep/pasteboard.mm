@@ -2,7 +2,8 @@
 // lives in the program: copy and paste work within it, not between programs.
 
 #import <AppKit/AppKit.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 @interface ProgramPasteboard : NSPasteboard {
   NSString *pasteboardName;
@@ -108,10 +109,8 @@
 @implementation NSTextView (NothingSelected)
 
 + (void)load {
-  method_exchangeImplementations(class_getInstanceMethod(self, @selector(copy:)),
-                                 class_getInstanceMethod(self, @selector(platform_copy:)));
-  method_exchangeImplementations(class_getInstanceMethod(self, @selector(cut:)),
-                                 class_getInstanceMethod(self, @selector(platform_cut:)));
+  platform::exchange(self, @selector(copy:));
+  platform::exchange(self, @selector(cut:));
 }
 
 - (void)platform_copy:(id)sender {

@@ -7,9 +7,10 @@
 // While a menu is open, the loop below takes all events, as menus do on macOS.
 
 #import <AppKit/AppKit.h>
-#import <objc/runtime.h>
 
 #include <cmath>
+
+#include "exchange.h"
 
 namespace {
 
@@ -49,8 +50,7 @@ unichar firstCharacter(NSEvent *event) {
 @implementation NSPopUpButton (OpenMenu)
 
 + (void)load {
-  method_exchangeImplementations(class_getInstanceMethod(self, @selector(keyDown:)),
-                                 class_getInstanceMethod(self, @selector(platform_keyDown:)));
+  platform::exchange(self, @selector(keyDown:));
 }
 
 - (NSMenuView *)platform_menuView {
@@ -151,9 +151,7 @@ unichar firstCharacter(NSEvent *event) {
 @implementation NSMenuItemCell (HighlightedMark)
 
 + (void)load {
-  method_exchangeImplementations(
-      class_getInstanceMethod(self, @selector(drawStateImageWithFrame:inView:)),
-      class_getInstanceMethod(self, @selector(platform_drawStateImageWithFrame:inView:)));
+  platform::exchange(self, @selector(drawStateImageWithFrame:inView:));
 }
 
 /// The mark of a highlighted item is as white as its title.

@@ -1,16 +1,16 @@
 // +[NSLocale preferredLanguages] of base 1.28 returns English whenever the locale that LANG names
-// has not been generated on the machine.
+// has not been generated on the machine. Here the user's own list, the default NSLanguages, takes
+// precedence over LANGUAGE, a list, and that over the locale (LC_ALL, LC_MESSAGES, LANG). English
+// is last unless listed.
 
 #import <Foundation/Foundation.h>
 
 #include <cstdlib>
-
-#include "languages.h"
+#include <initializer_list>
 
 namespace {
 
-/// The user's own order of languages, the default NSLanguages. GNUstep keeps a list of its own
-/// making under the same name in its primary domain.
+/// GNUstep keeps a list of its own making under the same name in its primary domain.
 NSArray *chosenLanguages() {
   NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
   for (NSString *domain in [defaults searchList]) {
@@ -23,19 +23,28 @@ NSArray *chosenLanguages() {
   return [NSArray array];
 }
 
-/// Tags of languages that the user may have named in words, such as "German".
-std::vector<std::string> chosenTags() {
-  std::vector<std::string> tags;
-  for (id language in chosenLanguages()) {
-    if (![language isKindOfClass:[NSString class]] || [language length] == 0) continue;
-    tags.emplace_back([[NSLocale canonicalLanguageIdentifierFromString:language] UTF8String]);
+NSArray *localeNames() {
+  for (const char *name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char *value = std::getenv(name);
+    if (value == nullptr || *value == '\0') continue;
+    return [[NSString stringWithUTF8String:value] componentsSeparatedByString:@":"];
   }
-  return tags;
+  return [NSArray array];
 }
 
-std::string environment(const char *name) {
-  const char *value = std::getenv(name);
-  return value != nullptr ? value : "";
+/// "de_CH.UTF-8@euro" becomes "de-CH".
+NSString *tagFromLocale(NSString *locale) {
+  NSCharacterSet *ends = [NSCharacterSet characterSetWithCharactersInString:@".@"];
+  NSString *name = [[locale componentsSeparatedByCharactersInSet:ends] objectAtIndex:0];
+  if ([name isEqual:@"C"] || [name isEqual:@"POSIX"]) return @"en";
+  return [name stringByReplacingOccurrencesOfString:@"_" withString:@"-"];
+}
+
+bool hasEnglish(NSArray *tags) {
+  for (NSString *tag in tags) {
+    if ([tag isEqual:@"en"] || [tag hasPrefix:@"en-"]) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -44,10 +53,16 @@ std::string environment(const char *name) {
 
 + (NSArray *)preferredLanguages {
   NSMutableArray *tags = [NSMutableArray array];
-  for (const std::string &tag : platform::preferredLanguages(chosenTags(), environment)) {
-    NSString *text = [NSString stringWithUTF8String:tag.c_str()];
-    if (text != nil) [tags addObject:text];
+  for (id language in chosenLanguages()) {
+    // The user may have named it in a word, such as "German".
+    if (![language isKindOfClass:[NSString class]] || [language length] == 0) continue;
+    [tags addObject:[NSLocale canonicalLanguageIdentifierFromString:language]];
   }
+  if ([tags count] == 0) {
+    for (NSString *name in localeNames()) [tags addObject:tagFromLocale(name)];
+    [tags removeObject:@""];
+  }
+  if (!hasEnglish(tags)) [tags addObject:@"en"];
   return tags;
 }
 

@@ -1,18 +1,14 @@
 #include "property_list_guard.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 
 namespace platform {
 namespace {
 
-constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;
+constexpr std::streamoff kMaxFileSize = 1 << 20;
 
 /// Follows the containers of a binary list. Objects can be shared, so a few bytes may describe an
 /// endless tree; that is why the number of steps is limited, not the number of objects.
@@ -119,21 +115,6 @@ bool isHarmlessXML(std::string_view bytes) {
 
 bool isHarmlessText(std::string_view bytes) { return hasAtMost(5000, "{(", bytes); }
 
-/// An open file descriptor.
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-  ~Descriptor() {
-    if (fd_ >= 0) close(fd_);
-  }
-  int get() const { return fd_; }
-
- private:
-  int fd_;
-};
-
 }  // namespace
 
 std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
@@ -157,22 +138,15 @@ std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
 }
 
 std::optional<std::string> readPropertyListFile(const char *path) noexcept {
-  // Without O_NONBLOCK, opening a named pipe would block.
-  const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat status;
-  if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return std::nullopt;
-  }
-  std::string contents;
-  std::array<char, 16384> buffer;
-  while (contents.size() <= kMaxFileSize) {
-    const ssize_t count = read(file.get(), buffer.data(), buffer.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return std::nullopt;
-    if (count == 0) return contents;
-    contents.append(buffer.data(), static_cast<std::size_t>(count));
-  }
-  return std::nullopt;
+  // Opening a named pipe would block.
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  const std::streamoff size = file.tellg();
+  if (size < 0 || size > kMaxFileSize) return std::nullopt;
+  std::string contents(static_cast<std::size_t>(size), '\0');
+  if (!file.seekg(0).read(contents.data(), size)) return std::nullopt;
+  return contents;
 }
 
 }  // namespace platform

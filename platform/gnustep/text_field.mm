@@ -3,7 +3,8 @@
 // the baseline of a label next to it. A text that is too long ends anywhere, not with an ellipsis.
 
 #import <AppKit/AppKit.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 @interface NSCell (Drawing)
 - (NSAttributedString *)_drawAttributedString;
@@ -44,9 +45,7 @@ NSAttributedString *truncated(NSAttributedString *text, CGFloat width) {
 @implementation NSTextFieldCell (Ellipsis)
 
 + (void)load {
-  method_exchangeImplementations(
-      class_getInstanceMethod(self, @selector(drawInteriorWithFrame:inView:)),
-      class_getInstanceMethod(self, @selector(platform_drawInteriorWithFrame:inView:)));
+  platform::exchange(self, @selector(drawInteriorWithFrame:inView:));
 }
 
 - (void)platform_drawInteriorWithFrame:(NSRect)frame inView:(NSView *)view {

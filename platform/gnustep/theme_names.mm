@@ -3,7 +3,8 @@
 
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 namespace {
 
@@ -18,9 +19,7 @@ bool isDefaultButton(id cell) {
 @implementation GSTheme (ThemeNames)
 
 + (void)load {
-  method_exchangeImplementations(
-      class_getInstanceMethod(self, @selector(nameForElement:)),
-      class_getInstanceMethod(self, @selector(platform_nameForElement:)));
+  platform::exchange(self, @selector(nameForElement:));
 }
 
 - (NSString *)platform_nameForElement:(id)element {
@@ -44,8 +43,7 @@ bool isDefaultButton(id cell) {
 @implementation NSButtonCell (DefaultTextColor)
 
 + (void)load {
-  method_exchangeImplementations(class_getInstanceMethod(self, @selector(textColor)),
-                                 class_getInstanceMethod(self, @selector(platform_textColor)));
+  platform::exchange(self, @selector(textColor));
 }
 
 - (NSColor *)platform_textColor {

@@ -4,7 +4,8 @@
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSXibElement.h>
 #import <GNUstepGUI/GSXibKeyedUnarchiver.h>
-#import <objc/runtime.h>
+
+#include "exchange.h"
 
 @interface GSXib5KeyedUnarchiver : GSXibKeyedUnarchiver
 - (id)decodeCellFlags1ForElement:(GSXibElement *)element;
@@ -13,9 +14,7 @@
 @implementation GSXib5KeyedUnarchiver (XibLabels)
 
 + (void)load {
-  method_exchangeImplementations(
-      class_getInstanceMethod(self, @selector(decodeCellFlags1ForElement:)),
-      class_getInstanceMethod(self, @selector(platform_decodeCellFlags1ForElement:)));
+  platform::exchange(self, @selector(decodeCellFlags1ForElement:));
 }
 
 - (id)platform_decodeCellFlags1ForElement:(GSXibElement *)element {

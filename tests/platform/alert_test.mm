@@ -13,92 +13,91 @@ namespace {
 
 class Alert : public testing::Test {
  protected:
-  Alert() { [NSApplication sharedApplication]; }
+  Alert() {
+    [NSApplication sharedApplication];
+    alert_ = [[[NSAlert alloc] init] autorelease];
+  }
+
+  /// Everything that happens before the alert waits for its answer.
+  void prepare() { [alert_ _setupPanel]; }
+
+  template <class View>
+  std::vector<View *> views() {
+    std::vector<View *> found;
+    collect([[alert_ window] contentView], found);
+    return found;
+  }
+
+  /// All strings that the panel shows, joined.
+  std::string strings() {
+    std::string joined;
+    for (NSTextField *field : views<NSTextField>()) joined += [[field stringValue] UTF8String];
+    return joined;
+  }
+
+  std::vector<NSButton *> buttons() {
+    std::vector<NSButton *> found = views<NSButton>();
+    // The icon is a button as well.
+    std::erase_if(found, [](NSButton *button) { return [button imagePosition] == NSImageOnly; });
+    return found;
+  }
+
+  NSAlert *alert_;
+
+ private:
+  template <class View>
+  static void collect(NSView *view, std::vector<View *> &found) {
+    for (NSView *subview in [view subviews]) {
+      if ([subview isKindOfClass:[View class]]) found.push_back(static_cast<View *>(subview));
+      collect(subview, found);
+    }
+  }
 };
 
-template <typename View>
-void collect(NSView *view, Class viewClass, std::vector<View *> &found) {
-  for (NSView *subview in [view subviews]) {
-    if ([subview isKindOfClass:viewClass]) found.push_back(static_cast<View *>(subview));
-    collect(subview, viewClass, found);
-  }
-}
-
-/// All strings that the panel shows, joined.
-std::string shownStrings(NSWindow *panel) {
-  std::vector<NSTextField *> fields;
-  collect([panel contentView], [NSTextField class], fields);
-  std::string strings;
-  for (NSTextField *field : fields) strings += [[field stringValue] UTF8String];
-  return strings;
-}
-
 TEST_F(Alert, HasAWindowThatKeepsItsTitle) {
-  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-  NSWindow *window = [alert window];
+  NSWindow *window = [alert_ window];
   ASSERT_TRUE(window != nil);
   [window setTitle:@"Some Program"];
-  [alert setMessageText:@"x"];
-  [alert _setupPanel];
-  EXPECT_EQ([alert window], window);
+  [alert_ setMessageText:@"x"];
+  prepare();
+  EXPECT_EQ([alert_ window], window);
   EXPECT_TRUE([[window title] isEqualToString:@"Some Program"]);
 }
 
 TEST_F(Alert, ShowsTheWholeMessageAndNothingElse) {
-  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
   NSString *message = [NSString stringWithUTF8String:"User x.\n\nL'utilisateur é.\n\nGehört ß."];
-  [alert setMessageText:message];
-  [alert addButtonWithTitle:@"Quit"];
-  [alert _setupPanel];
-  EXPECT_EQ(shownStrings([alert window]), " " + std::string([message UTF8String]));
-
-  std::vector<NSTextField *> fields;
-  collect([[alert window] contentView], [NSTextField class], fields);
-  const CGFloat line = [[fields.back() font] defaultLineHeightForFont];
-  EXPECT_GE(NSHeight([fields.back() frame]), 5 * line) << "five lines of text have to fit";
+  [alert_ setMessageText:message];
+  prepare();
+  EXPECT_EQ(strings(), " " + std::string([message UTF8String]));
+  NSTextField *field = views<NSTextField>().back();
+  const CGFloat line = [[field font] defaultLineHeightForFont];
+  EXPECT_GE(NSHeight([field frame]), 5 * line) << "five lines of text have to fit";
 }
 
 TEST_F(Alert, ShowsTheInformativeTextBelowTheMessage) {
-  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-  [alert setMessageText:@"message"];
-  [alert setInformativeText:@"details"];
-  [alert _setupPanel];
-  EXPECT_EQ(shownStrings([alert window]), " message\n\ndetails");
+  [alert_ setMessageText:@"message"];
+  [alert_ setInformativeText:@"details"];
+  prepare();
+  EXPECT_EQ(strings(), " message\n\ndetails");
 }
 
-TEST_F(Alert, ShowsItsButtonsOrOK) {
-  const std::vector<std::string> given = {"Quit", "Other"};
-  for (const std::vector<std::string> &titles : {given, std::vector<std::string>()}) {
-    NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-    for (const std::string &title : titles) {
-      [alert addButtonWithTitle:[NSString stringWithUTF8String:title.c_str()]];
-    }
-    [alert _setupPanel];
-    std::vector<NSButton *> buttons;
-    collect([[alert window] contentView], [NSButton class], buttons);
-    std::vector<std::string> shown;
-    for (NSButton *button : buttons) {
-      // The icon is a button as well.
-      if ([button imagePosition] != NSImageOnly) shown.push_back([[button title] UTF8String]);
-    }
-    EXPECT_EQ(shown, titles.empty() ? std::vector<std::string>{"OK"} : titles);
-  }
+TEST_F(Alert, ShowsItsButtons) {
+  for (NSString *title : {@"Quit", @"Other"}) [alert_ addButtonWithTitle:title];
+  prepare();
+  std::string titles;
+  for (NSButton *button : buttons()) titles += std::string([[button title] UTF8String]) + ";";
+  EXPECT_EQ(titles, "Quit;Other;");
 }
 
-TEST_F(Alert, HasTheMarginsAndTheButtonOfAnAlertOnMacOS) {
-  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-  [alert setMessageText:@"message\n\nof three lines"];
-  [alert addButtonWithTitle:@"Quit"];
-  [alert _setupPanel];
-  NSView *content = [[alert window] contentView];
-  std::vector<NSButton *> buttons;
-  collect(content, [NSButton class], buttons);
-  for (NSButton *button : buttons) {
-    if ([button imagePosition] == NSImageOnly) continue;
-    EXPECT_EQ(NSWidth([content bounds]) - NSMaxX([button frame]), 20 - 6);
-    EXPECT_EQ(NSMinY([button frame]), 20 - 7);
-    EXPECT_TRUE([button image] == nil) << "no sign of the Return key";
-  }
+TEST_F(Alert, HasOneButtonWithTheMarginsOfAnAlertOnMacOSWhenItIsGivenNone) {
+  [alert_ setMessageText:@"message\n\nof three lines"];
+  prepare();
+  ASSERT_EQ(buttons().size(), 1U);
+  NSButton *button = buttons().front();
+  EXPECT_TRUE([[button title] isEqual:@"OK"]);
+  EXPECT_EQ(NSWidth([[[alert_ window] contentView] bounds]) - NSMaxX([button frame]), 20 - 6);
+  EXPECT_EQ(NSMinY([button frame]), 20 - 7);
+  EXPECT_TRUE([button image] == nil) << "no sign of the Return key";
 }
 
 }  // namespace

@@ -87,9 +87,9 @@ TEST(JSON, RejectsAnythingElseAndSaysWhere) {
       {"\"text\"", "line 1, column 1: "},
       {"1", "line 1, column 1: "},
       {"null", "line 1, column 1: "},
-      {nested(513), "line 1, column 513: "},
-      {nested(100000), "line 1, column 513: "},
-      {std::string(100000, '['), "line 1, column 513: "},
+      {nested(513), "nested more than 512 levels"},
+      {nested(100000), "nested more than 512 levels"},
+      {std::string(100000, '['), "nested more than 512 levels"},
   };
   for (const InvalidDocument &row : rows) {
     const std::string problem = errorFor(row.text);

@@ -37,13 +37,6 @@ TEST(Nib, MayBeMissing) {
   EXPECT_TRUE(objects == nil);
 }
 
-TEST(Nib, KeepsStringsWithNewlinesAndAccents) {
-  [NSApplication sharedApplication];
-  PanelOwner *owner = [[[PanelOwner alloc] init] autorelease];
-  [[NSBundle mainBundle] loadNibNamed:@"Panel" owner:owner topLevelObjects:nil];
-  EXPECT_STREQ([[owner->label stringValue] UTF8String], "première ligne\ndeuxième ligne");
-}
-
 TEST(Nib, GivesTheSystemFontItsSize) {
   [NSApplication sharedApplication];
   for (int i = 0; i < 20; ++i) {

@@ -1,8 +1,4 @@
-#import <AppKit/AppKit.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
+#include "test_window.h"
 
 @interface ItemCounter : NSObject {
  @public
@@ -29,26 +25,17 @@
 
 namespace {
 
-class PopUpButton : public testing::Test {
+class PopUpButton : public WithWindow {
  protected:
   PopUpButton() {
-    [[NSApplication sharedApplication] finishLaunching];
-    popUp_ = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(20, 100, 120, 25)] autorelease];
+    popUp_ = add<NSPopUpButton>(NSMakeRect(20, 100, 120, 25));
     [popUp_ addItemsWithTitles:[NSArray arrayWithObjects:@"first", @"second", @"third", nil]];
     counter_ = [[[ItemCounter alloc] init] autorelease];
     [popUp_ setTarget:counter_];
     [popUp_ setAction:@selector(countItem:)];
-    window_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 300, 200)
-                                          styleMask:NSWindowStyleMaskTitled
-                                            backing:NSBackingStoreBuffered
-                                              defer:NO];
-    [window_ setReleasedWhenClosed:NO];
-    [[window_ contentView] addSubview:popUp_];
-    [window_ orderFront:nil];
-  }
-  ~PopUpButton() override {
-    [window_ orderOut:nil];
-    [window_ release];
+    show();
+    // What the X server says about windows must not close the menu.
+    while (nextEvent(NSAnyEventMask) != nil) continue;
   }
 
   /// A mouse event so many items below the closed pop-up's middle, so many seconds after the first.
@@ -64,21 +51,9 @@ class PopUpButton : public testing::Test {
                               pressure:1];
   }
 
-  NSEvent *key(NSString *characters) {
-    return [NSEvent keyEventWithType:NSEventTypeKeyDown
-                            location:NSZeroPoint
-                       modifierFlags:0
-                           timestamp:0
-                        windowNumber:[window_ windowNumber]
-                             context:nil
-                          characters:characters
-         charactersIgnoringModifiers:characters
-                           isARepeat:NO
-                             keyCode:0];
-  }
-
-  static NSString *character(unichar value) {
-    return [NSString stringWithCharacters:&value length:1];
+  NSEvent *downArrow() {
+    const unichar arrow = NSDownArrowFunctionKey;
+    return keyDown([NSString stringWithCharacters:&arrow length:1]);
   }
 
   /// Presses the mouse on the pop-up; the events follow while the menu is open.
@@ -90,20 +65,16 @@ class PopUpButton : public testing::Test {
 
   void checkIsOver() {
     EXPECT_FALSE([[[[popUp_ menu] menuRepresentation] window] isVisible]);
-    NSEvent *left = [NSApp nextEventMatchingMask:NSKeyDownMask | NSLeftMouseUpMask
-                                       untilDate:[NSDate distantPast]
-                                          inMode:NSDefaultRunLoopMode
-                                         dequeue:YES];
-    EXPECT_TRUE(left == nil) << "the menu was closed before its last event";
+    EXPECT_TRUE(nextEvent(NSKeyDownMask | NSLeftMouseUpMask) == nil)
+        << "the menu was closed before its last event";
   }
 
   NSPopUpButton *popUp_;
   ItemCounter *counter_;
-  NSWindow *window_;
 };
 
 TEST_F(PopUpButton, StaysOpenAfterAClick) {
-  press({mouse(NSLeftMouseUp, 0, 0.1), key(character(NSDownArrowFunctionKey)), key(@"\r")});
+  press({mouse(NSLeftMouseUp, 0, 0.1), downArrow(), keyDown(@"\r")});
   EXPECT_EQ([popUp_ indexOfSelectedItem], 1);
   EXPECT_EQ(counter_->count, 1);
 }
@@ -132,16 +103,15 @@ TEST_F(PopUpButton, KeepsItsItemWhenTheMouseIsPressedOrReleasedOutsideTheMenu) {
 TEST_F(PopUpButton, KeepsTheKeysOfItsOpenMenuFromTheWindow) {
   ItemCounter *pressed = [[[ItemCounter alloc] init] autorelease];
   for (NSString *equivalent : {@"\r", @"\e"}) {
-    NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(20, 20, 90, 32)] autorelease];
+    NSButton *button = add<NSButton>(NSMakeRect(20, 20, 90, 32));
     [button setKeyEquivalent:equivalent];
     [button setTarget:pressed];
     [button setAction:@selector(countItem:)];
-    [[window_ contentView] addSubview:button];
   }
   for (NSString *last : {@"\r", @"\e"}) {
-    [NSApp postEvent:key(character(NSDownArrowFunctionKey)) atStart:NO];
-    [NSApp postEvent:key(last) atStart:NO];
-    [popUp_ keyDown:key(@" ")];
+    [NSApp postEvent:downArrow() atStart:NO];
+    [NSApp postEvent:keyDown(last) atStart:NO];
+    [popUp_ keyDown:keyDown(@" ")];
     checkIsOver();
     EXPECT_EQ([popUp_ indexOfSelectedItem], 1);
   }
@@ -152,7 +122,7 @@ TEST_F(PopUpButton, KeepsTheKeysOfItsOpenMenuFromTheWindow) {
 TEST_F(PopUpButton, MarksItsItemWhenItIsOpenedForTheFirstTime) {
   NSMenuItem *item = static_cast<NSMenuItem *>([popUp_ selectedItem]);
   [item setChangesState:NO];  // as after an interface file
-  press({mouse(NSLeftMouseUp, 0, 0.1), key(@"\e")});
+  press({mouse(NSLeftMouseUp, 0, 0.1), keyDown(@"\e")});
   EXPECT_TRUE([item changesState]);
 }
 
@@ -167,11 +137,11 @@ TEST_F(PopUpButton, OpensItsMenuInItsOwnWidthFromTheFirstTime) {
   popUp_ = owner->popUp;
   [[popUp_ window] orderFront:nil];
   const auto openedWidth = [this] {
-    press({mouse(NSLeftMouseUp, 0, 0.1), key(@"\e")});
+    press({mouse(NSLeftMouseUp, 0, 0.1), keyDown(@"\e")});
     return NSWidth([[[[popUp_ menu] menuRepresentation] window] frame]);
   };
   EXPECT_NEAR(openedWidth(), NSWidth([popUp_ frame]), 1);
-  press({mouse(NSLeftMouseUp, 0, 0.1), key(character(NSDownArrowFunctionKey)), key(@"\r")});
+  press({mouse(NSLeftMouseUp, 0, 0.1), downArrow(), keyDown(@"\r")});
   EXPECT_NEAR(openedWidth(), NSWidth([popUp_ frame]), 1) << "of another item";
   [[popUp_ window] orderOut:nil];
 }

@@ -1,37 +1,13 @@
-#import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
 
-#include <gtest/gtest.h>
-
 #include <fstream>
-#include <string>
+
+#include "test_window.h"
 
 namespace {
 
-constexpr CGFloat kWidth = 200, kHeight = 100;
-
-class Theme : public testing::Test {
+class Theme : public WithWindow {
  protected:
-  Theme() {
-    [[NSApplication sharedApplication] finishLaunching];
-    window_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, kWidth, kHeight)
-                                          styleMask:NSWindowStyleMaskTitled
-                                            backing:NSBackingStoreBuffered
-                                              defer:NO];
-    [window_ setReleasedWhenClosed:NO];
-  }
-  ~Theme() override {
-    [window_ orderOut:nil];
-    [window_ release];
-  }
-
-  template <class Control>
-  Control *add(NSRect frame) {
-    Control *control = [[[Control alloc] initWithFrame:frame] autorelease];
-    [[window_ contentView] addSubview:control];
-    return control;
-  }
-
   NSButton *addButton(NSString *keyEquivalent) {
     NSButton *button = add<NSButton>(NSMakeRect(20, 20, 100, 32));
     [button setTitle:@""];
@@ -40,22 +16,16 @@ class Theme : public testing::Test {
     return button;
   }
 
-  /// The window's colour there, as "red green blue" in 0 to 255, once all of it is drawn.
+  /// The window's colour there, as "red green blue" in 0 to 255.
   std::string colour(CGFloat x, CGFloat y) {
-    [window_ orderFront:nil];
-    [window_ displayIfNeeded];
-    NSView *view = [window_ contentView];
-    [view lockFocus];
-    NSBitmapImageRep *picture = [[[NSBitmapImageRep alloc]
-        initWithFocusedViewRect:NSMakeRect(0, 0, kWidth, kHeight)] autorelease];
-    [view unlockFocus];
+    const CGFloat height = NSHeight([[window_ contentView] bounds]);
     NSUInteger pixel[4] = {};
-    [picture getPixel:pixel atX:static_cast<NSInteger>(x) y:static_cast<NSInteger>(kHeight - y)];
+    [picture([[window_ contentView] bounds]) getPixel:pixel
+                                                  atX:static_cast<NSInteger>(x)
+                                                    y:static_cast<NSInteger>(height - y)];
     return std::to_string(pixel[0]) + " " + std::to_string(pixel[1]) + " " +
            std::to_string(pixel[2]);
   }
-
-  NSWindow *window_;
 };
 
 constexpr const char *kWindowColour = "236 236 236";
@@ -114,9 +84,7 @@ TEST_F(Theme, DrawsTheArrowsOfAPopUpButtonAtItsRightEndWithAndWithoutTheKeyboard
 }
 
 TEST_F(Theme, DrawsTheRingOfACheckBoxAroundTheBoxAndNotOverTheTitle) {
-  NSButton *checkBox = add<NSButton>(NSMakeRect(20, 20, 140, 18));
-  [checkBox setButtonType:NSButtonTypeSwitch];
-  [checkBox setTitle:@"x"];
+  NSButton *checkBox = addCheckBox(NSMakeRect(20, 20, 140, 18));
   const auto ring = [this] { return colour(27, 38) + "/" + colour(27, 20) + "/" + colour(19, 29); };
   const std::string none = std::string(kWindowColour) + "/" + kWindowColour + "/" + kWindowColour;
   EXPECT_EQ(ring(), none);

@@ -1,7 +1,6 @@
-#import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSDisplayServer.h>
 
-#include <gtest/gtest.h>
+#include "test_window.h"
 
 namespace {
 constexpr NSPoint kOutside = {10, 10}, kInside = {200, 150};
@@ -24,23 +23,12 @@ constexpr NSPoint kOutside = {10, 10}, kInside = {200, 150};
 
 namespace {
 
-NSEvent *nextEvent(NSUInteger mask, NSTimeInterval limit) {
-  return [NSApp nextEventMatchingMask:mask
-                            untilDate:[NSDate dateWithTimeIntervalSinceNow:limit]
-                               inMode:NSDefaultRunLoopMode
-                              dequeue:YES];
-}
+using UnreadEvents = WithWindow;
 
-TEST(UnreadEvents, AreDeliveredWhenTheRunLoopHasReadThemWhileItDrawsWindows) {
-  [[NSApplication sharedApplication] finishLaunching];
-  NSWindow *window = [[[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 300, 100)
-                                                  styleMask:NSWindowStyleMaskTitled
-                                                    backing:NSBackingStoreBuffered
-                                                      defer:NO] autorelease];
-  [window setReleasedWhenClosed:NO];
-  [window setAcceptsMouseMovedEvents:YES];
+TEST_F(UnreadEvents, AreDeliveredWhenTheRunLoopHasReadThemWhileItDrawsWindows) {
+  [window_ setAcceptsMouseMovedEvents:YES];
   [GSCurrentServer() setMouseLocation:kOutside onScreen:0];
-  [window orderFront:nil];
+  [window_ orderFront:nil];
   while (nextEvent(NSAnyEventMask, 0.2) != nil) {
   }
   // Run as windows are drawn: right before the run loop waits.
@@ -50,7 +38,6 @@ TEST(UnreadEvents, AreDeliveredWhenTheRunLoopHasReadThemWhileItDrawsWindows) {
                                         order:0
                                         modes:[NSArray arrayWithObject:NSDefaultRunLoopMode]];
   EXPECT_TRUE(nextEvent(NSMouseMovedMask, 3) != nil);
-  [window orderOut:nil];
 }
 
 }  // namespace
