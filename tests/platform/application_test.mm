@@ -1,10 +1,10 @@
-#import <AppKit/AppKit.h>
-
-#include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 
 #include <cerrno>
+#include <cstdlib>
+
+#include "test_window.h"
 
 namespace {
 
@@ -40,6 +40,26 @@ TEST(Application, ShowsNoWindowOfTheMainMenu) {
   [NSApp setMainMenu:menu];
   [menu display];
   EXPECT_FALSE([[menu window] isVisible]);
+}
+
+class KeyWindow : public WithWindow {
+ protected:
+  /// Deactivates the program while the X server sends its keys to the window, and ends it: with
+  /// status 0 when the window has become the key window again.
+  void deactivate() {
+    [NSApp activateIgnoringOtherApps:YES];
+    show();
+    [NSApp deactivate];
+    if ([window_ isKeyWindow]) std::_Exit(1);
+    NSDate *limit = [NSDate dateWithTimeIntervalSinceNow:5];
+    while (![window_ isKeyWindow] && [limit timeIntervalSinceNow] > 0)
+      nextEvent(NSAnyEventMask, 0.1);
+    std::_Exit([window_ isKeyWindow] ? 0 : 2);
+  }
+};
+
+TEST_F(KeyWindow, IsTheOneThatGetsTheKeysAlsoAfterTheProgramWasDeactivated) {
+  EXPECT_EXIT(deactivate(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Application, StartsNoDaemons) {
