@@ -103,8 +103,7 @@ def test_an_unknown_option_is_refused_with_the_usage(script: str) -> None:
 
 CI_STEPS = "script/lint script/test script/check-macos script/fuzz script/coverage script/faults"
 # Script and arguments, what is replaced for it, and calls that it makes, in this order.
-# tests/macos runs script/check-macos --self-test, script/package and script/report-mac; tests/tools runs
-# script/mutate.
+# tests/macos runs script/check-macos --self-test, script/package and script/report-mac.
 RUNS = [
     (".ci/run", CI_STEPS, "lint;test;check-macos;fuzz 30;coverage;faults"),
     ("script/bench", "build/bench/bench/commands_bench", r"commands_bench .*=90 ;measure.py .* 30$"),
@@ -184,6 +183,12 @@ def test_npm_packages_are_installed_once(tree: Tree) -> None:
     npm.write_text(recorded)
     assert [line.split()[:2] for line in tree.run(*install)] == [["bin/npm", "--prefix"]]
     assert tree.run(*install) == []
+
+
+def test_mutations_are_listed(tree: Tree) -> None:
+    tree.replace("script/bootstrap")
+    tree.run("script/mutate", "--list", "--only", "^rm")
+    assert tree.output == "".join(f"rm {how}  (agent/settings_reset.cpp)\n" for how in ("with one space", "forced"))
 
 
 def test_an_unknown_check_fails(tree: Tree) -> None:
