@@ -34,12 +34,6 @@ target_compile_options(platform_foundation_api INTERFACE "$<$<COMPILE_LANGUAGE:O
 add_library(platform_api INTERFACE)
 target_link_libraries(platform_api INTERFACE "-framework AppKit" platform_foundation_api
                                              "-framework OpenDirectory")
-if(CMAKE_CROSSCOMPILING)
-  # An archive: its one member is linked only where it is needed.
-  add_library(mac_available STATIC
-              "${CMAKE_CURRENT_LIST_DIR}/toolchain/available.cpp")
-  target_link_libraries(platform_foundation_api INTERFACE mac_available)
-endif()
 add_library(platform_strict INTERFACE)
 add_library(platform_gnustep INTERFACE)
 add_library(platform_gnustep_foundation INTERFACE)

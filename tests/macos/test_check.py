@@ -15,8 +15,6 @@ PRESSED = '  [field setStringValue:@"pressed"];\n'
 PRESS = "- (IBAction)press:(id)sender {\n"
 CLASS = "@implementation Sample\n"
 LAST_ROW = "AppKit\t10.0\t-\textern int NSApplicationMain(int argc, const char *argv[]);\n"
-NEW_CATEGORY = ("AppKit", "13.0", "-", "@interface NSTextField (New)")
-SET_NEW_STYLE = ("AppKit", "13.0", "-", "- (void)setNewStyle:(BOOL)style;")
 OTHER_LIBRARY = f"""--- !tapi-tbd
 tbd-version: 4
 targets: {api.TARGETS}
@@ -47,7 +45,9 @@ REFUSED = [
           '[field setStringValue:[@" x" stringByTrimmingSpaces]];'),
     Break("a method newer than the minimum system",
           {"'setNewStyle:' is only available on macOS 13.0 or newer": 1},
-          "[field setNewStyle:YES];", rows=[NEW_CATEGORY, SET_NEW_STYLE]),
+          "[field setNewStyle:YES];",
+          rows=[("AppKit", "13.0", "-", "@interface NSTextField (New)"),
+                ("AppKit", "13.0", "-", "- (void)setNewStyle:(BOOL)style;")]),
     Break("a constant newer than the minimum system",
           {"'NSNewName' is only available on macOS 12.0 or newer": 1},
           "[field setStringValue:NSNewName];",
@@ -69,9 +69,6 @@ REFUSED = [
 LINKED = [
     Break("a method that the compiler is talked into", {"trimSpaces is sent, but not listed": 1},
           "[(id<Trimming>)field trimSpaces];", "@protocol Trimming\n- (void)trimSpaces;\n@end"),
-    Break("a guarded method newer than the minimum system is taken", {},
-          "if (@available(macOS 13.0, *)) [field setNewStyle:YES];",
-          rows=[("libSystem", "10.15", "-", "_availability_version_check"), NEW_CATEGORY, SET_NEW_STYLE]),
     Break("a function newer than the minimum system", {"_getpid came with macOS 12.0": 2},
           'if (getpid() == 0) [field setStringValue:@""];', "#include <unistd.h>",
           rows=[("libSystem", "12.0", "-", "getpid")]),

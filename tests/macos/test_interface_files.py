@@ -32,10 +32,6 @@ BREAKS = [
     (XIB, ACTION, "", "action press: of Sample is connected to no control"),
     (XIB, ACTION, ACTION + '<outlet property="formatter" destination="But-to-Cel" id="But-fo-Con"/>',
      "NSButton has no outlet formatter"),
-    (XIB, '<textFieldCell key="cell" id="Fie-ld-Cel"/>',
-     '<textFieldCell key="cell" id="Fie-ld-Cel"/></textField><imageView id="Ima-ge-Viw">'
-     '<imageCell key="cell" image="missing" id="Ima-ge-Cel"/></imageView><textField id="Two-nd-Txt">',
-     "image missing is missing"),
     (XIB, 'releasedWhenClosed="NO"', 'releasedWhenClosed="YES"', "window Sam-pl-Wnd is released when closed"),
     (HEADER, "*field;", "*field;\n  IBOutlet NSTextField *second;",
      "outlet second of Sample is connected 0 times"),

@@ -89,12 +89,14 @@ def read(path: Path = TABLE) -> list[Row]:
         columns = line.split("\t")
         if len(columns) not in (4, 5) or columns[4:] not in ([], ["both"], ["both?"], ["one"]):
             raise SystemExit(f"{path}:{number}: expected 4 columns, or 5 with both, both? or one")
-        dylib, introduced, deprecated, declaration = columns[:4]
-        row = Row(dylib, introduced, deprecated, declaration,
-                  owner if declaration[0] in "-+" else "", *columns[4:])
-        if row.kind in ("interface", "protocol"):
-            owner = row.name
-        rows.append(row)
+        dylib, introduced, deprecated, declarations = columns[:4]
+        symbols_only = re.fullmatch(r"[\w$* ]+", declarations)
+        for declaration in declarations.split() if symbols_only else [declarations]:
+            row = Row(dylib, introduced, deprecated, declaration,
+                      owner if declaration[0] in "-+" else "", *columns[4:])
+            if row.kind in ("interface", "protocol"):
+                owner = row.name
+            rows.append(row)
     return rows
 
 

