@@ -20,8 +20,8 @@ constexpr CGFloat kMargin = 20, kGap = 16, kIcon = 48;
 constexpr CGFloat kButtonHeight = 32, kButtonEdge = 6, kSmallestButton = 92;
 constexpr CGFloat kWidestMessage = 800, kFieldInset = 4;
 
-/// The buttons of the panel from right to left, its first one being the default.
-CGFloat placeButtons(NSArray *views, CGFloat right) {
+/// Places the buttons from right to left, the first one being the default.
+void placeButtons(NSArray *views, CGFloat right) {
   for (NSButton *button in views) {
     if (![button isKindOfClass:[NSButton class]] || [button imagePosition] == NSImageOnly) continue;
     [button setBezelStyle:NSBezelStyleRounded];
@@ -31,7 +31,6 @@ CGFloat placeButtons(NSArray *views, CGFloat right) {
     right -= width;
     [button setFrame:NSMakeRect(right, kMargin - 7, width, kButtonHeight)];
   }
-  return right;
 }
 
 /// Gives the panel the margins and the order of an alert on macOS: the icon, the message to its

@@ -1,20 +1,11 @@
-// base 1.28 and gui 0.29 start two daemons per user, for distributed notifications (gdnc) and the
-// pasteboard (gpbs). Both outlive the program; when one hangs, -[NSApplication terminate:] of every
-// later program waits for it forever. Without them there is no copy and paste between programs.
+// base 1.28 starts a daemon per user for distributed notifications, gdnc. It outlives the program; when
+// it hangs, -[NSApplication terminate:] of every later program waits for it forever.
 
-#import <AppKit/AppKit.h>
+#import <Foundation/Foundation.h>
 
 @implementation NSDistributedNotificationCenter (NoDaemons)
 
 + (NSNotificationCenter *)defaultCenter {
-  return nil;
-}
-
-@end
-
-@implementation NSPasteboard (NoDaemons)
-
-+ (id)_pbs {
   return nil;
 }
 

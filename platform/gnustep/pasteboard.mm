@@ -1,56 +1,35 @@
-// gui 0.29 keeps what is copied in a daemon, which no_daemons.mm switches off. Here each pasteboard
-// lives in the program: copy and paste work within it, not between programs.
+// gui 0.29 keeps what is copied in a daemon, gpbs, which outlives the program. Here each pasteboard
+// lives in the program, until it ends: copy and paste work within it, not between programs.
 
 #import <AppKit/AppKit.h>
 
 #include "exchange.h"
 
 @interface ProgramPasteboard : NSPasteboard {
-  NSString *pasteboardName;
   NSMutableDictionary *contents;  ///< data by type
   NSArray *declared;
-  id provider;  ///< asked for what was declared only
   int changes;
 }
 @end
 
 @implementation ProgramPasteboard
 
-- (id)initWithName:(NSString *)newName {
-  pasteboardName = [newName copy];
+- (id)init {
   contents = [[NSMutableDictionary alloc] init];
   declared = [[NSArray alloc] init];
   return self;
-}
-
-- (void)dealloc {
-  [pasteboardName release];
-  [contents release];
-  [declared release];
-  [super dealloc];
-}
-
-- (NSString *)name {
-  return pasteboardName;
 }
 
 - (int)changeCount {
   return changes;
 }
 
+/// The owner has to set the data of all types at once; it is not asked later.
 - (int)declareTypes:(NSArray *)types owner:(id)newOwner {
+  (void)newOwner;
   [contents removeAllObjects];
   [declared release];
   declared = [types copy];
-  provider = newOwner;
-  return ++changes;
-}
-
-- (int)addTypes:(NSArray *)types owner:(id)newOwner {
-  NSArray *all = [declared arrayByAddingObjectsFromArray:types];
-  [declared release];
-  declared = [all retain];
-  provider = newOwner;
   return ++changes;
 }
 
@@ -69,20 +48,7 @@
 }
 
 - (NSData *)dataForType:(NSString *)type {
-  if ([contents objectForKey:type] == nil && [declared containsObject:type]) {
-    [provider pasteboard:self provideDataForType:type];
-  }
   return [contents objectForKey:type];
-}
-
-- (BOOL)setString:(NSString *)string forType:(NSString *)type {
-  return [self setData:[string dataUsingEncoding:NSUTF8StringEncoding] forType:type];
-}
-
-- (NSString *)stringForType:(NSString *)type {
-  NSData *data = [self dataForType:type];
-  if (data == nil) return nil;
-  return [[[NSString alloc] initWithData:data encoding:NSUTF8StringEncoding] autorelease];
 }
 
 @end
@@ -91,11 +57,10 @@
 
 + (NSPasteboard *)pasteboardWithName:(NSString *)name {
   static NSMutableDictionary *pasteboards = [[NSMutableDictionary alloc] init];
-  NSPasteboard *known = [pasteboards objectForKey:name];
-  if (known != nil) return known;
-  NSPasteboard *made = [[[ProgramPasteboard alloc] initWithName:name] autorelease];
-  [pasteboards setObject:made forKey:name];
-  return made;
+  if ([pasteboards objectForKey:name] == nil) {
+    [pasteboards setObject:[[[ProgramPasteboard alloc] init] autorelease] forKey:name];
+  }
+  return [pasteboards objectForKey:name];
 }
 
 + (NSPasteboard *)generalPasteboard {
