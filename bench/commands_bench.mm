@@ -7,8 +7,6 @@
 #include <sys/wait.h>
 
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 
 #include "agent/shell.h"
 
@@ -38,24 +36,6 @@ void bareSpawn(benchmark::State &state) {
   }
 }
 BENCHMARK(bareSpawn)->Iterations(kCommands);
-
-// Both functions of the C library start /bin/sh, which starts bash.
-void popenAndRead(benchmark::State &state) {
-  for ([[maybe_unused]] const auto _ : state) {
-    FILE *stream = ::popen("exec /bin/bash -c true", "r");  // NOLINT: measured on purpose
-    while (std::fgetc(stream) != EOF) {
-    }
-    ::pclose(stream);
-  }
-}
-BENCHMARK(popenAndRead)->Iterations(kCommands);
-
-void system(benchmark::State &state) {
-  for ([[maybe_unused]] const auto _ : state) {
-    benchmark::DoNotOptimize(std::system("exec /bin/bash -c true"));
-  }
-}
-BENCHMARK(system)->Iterations(kCommands);
 
 void taskClass(benchmark::State &state) {
   for ([[maybe_unused]] const auto _ : state) {

@@ -33,7 +33,7 @@ ZENTAVO = EDITIONS["Zentavo"]
 # The program and the baselines of bench/CMakeLists.txt.
 EXECUTABLES = {"ours": ZENTAVO.program} | {
     title: ZENTAVO.program.parents[1] / f"{title}.app" / title
-    for title in ("One Window", "No Menu", "Code Window")
+    for title in ("One Window", "Code Window")
 }
 TOOL = ZENTAVO.program.with_name("configure-agent")
 EMPTY_TOOL = EXECUTABLES["One Window"].with_name("empty-tool")

@@ -74,8 +74,6 @@ def command_rows(benchmarks: list[dict[str, Any]]) -> list[Row]:
         ours = medians[f"runCommand/{mode}"]
         for name, title, limit in (
             ("bareSpawn", "bare `posix_spawn`", 1.05),
-            ("popenAndRead", "`popen`", NO_LIMIT),
-            ("system", "`system`", NO_LIMIT),
             ("taskClass", "`NSTask`", NO_LIMIT),
         ):
             what, baseline = f"`runShellCommand`, {mode}", medians[name]
@@ -87,7 +85,7 @@ def start_rows(
     start: Mapping[str, Values], used: Mapping[str, Sequence[tuple[int, int]]]
 ) -> list[Row]:
     rows = []
-    for title, limit in (("One Window", 1.10), ("No Menu", NO_LIMIT), ("Code Window", 1.25)):
+    for title, limit in (("One Window", 1.10), ("Code Window", 1.25)):
         what, baseline = "start to login window", start[title]
         rows.append(compare(what, start["ours"], title, baseline, limit, milliseconds))
     for i, what in enumerate(("peak memory", "private memory")):
