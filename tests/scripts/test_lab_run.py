@@ -69,7 +69,7 @@ def test_other_file_systems_of_this_machine_are_there_and_stay_unchanged(tmp_pat
 
 def test_without_root_and_sudo_one_line_says_so() -> None:
     # An ordinary user cannot read sources below a private home: inside a lab they can be moved.
-    script = f'cp -R "{LAB}" /opt/; rm /usr/bin/sudo; exec /opt/lab/login carol /opt/lab/run true'
+    script = f'cp -R "{LAB}" "{LAB.parent}/tools" /opt/; rm /usr/bin/sudo; exec /opt/lab/login carol /opt/lab/run true'
     result = lab("/bin/bash", "-c", script)
     assert result.returncode == 1
     assert result.stderr == "lab: needs root, and there is no sudo to get it\n"
@@ -100,7 +100,7 @@ def test_a_missing_shim_is_named(tmp_path: Path) -> None:
 
 def test_an_ordinary_user_gets_root_through_sudo_and_housekeeping_stays_out_of_the_journal() -> None:
     script = f"""
-        cp -R "{LAB}" /opt/
+        cp -R "{LAB}" "{LAB.parent}/tools" /opt/
         sed -i '/%admin/s/ALL$/NOPASSWD: ALL/' /etc/sudoers
         exec /opt/lab/login alice /opt/lab/run --build "{BUILD}" -- \\
           /bin/bash -c 'id -u; cat /var/lab/journal'
