@@ -5,19 +5,36 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "app/diagnostics.h"
 #include "app/error_log.h"
 #include "cli/exit_status.h"
 
+// POSIX leaves the declaration to the program; glibc declares it anyway.
+extern char **environ;  // NOLINT(readability-redundant-declaration)
+
 namespace cli {
 namespace {
 
 constexpr std::array kInterruptions{SIGHUP, SIGINT, SIGQUIT, SIGTERM};
+
+constexpr std::array<std::string_view, 4> kShellVariables{"BASH_ENV", "BASHOPTS", "ENV",
+                                                          "SHELLOPTS"};
+
+/// Whether a shell would run or change something because of this variable before it runs its
+/// command. Versions of bash differ in the names of exported functions; their values begin alike.
+bool directsShells(std::string_view name, std::string_view value) {
+  return value.starts_with("()") ||
+         std::ranges::find(kShellVariables, name) != kShellVariables.end();
+}
 
 /// Never returns: the process is only there for its parent to wait for.
 [[noreturn]] void passOnExitStatus(pid_t child) {
@@ -59,7 +76,15 @@ void writeTo(int descriptor, std::string_view text) {
 
 void useSystemCommands() {
   ::setenv("PATH", "/usr/bin:/bin:/usr/sbin:/sbin", 1);
-  for (const char *startupFile : {"BASH_ENV", "ENV"}) ::unsetenv(startupFile);
+  std::vector<std::string> refused;
+  for (char **next = environ; *next != nullptr; ++next) {
+    const std::string_view variable(*next);
+    const std::size_t end = variable.find('=');
+    if (end == std::string_view::npos) continue;
+    const std::string_view name = variable.substr(0, end);
+    if (directsShells(name, variable.substr(end + 1))) refused.emplace_back(name);
+  }
+  for (const std::string &name : refused) ::unsetenv(name.c_str());
 }
 
 bool enterOwnSession() {
