@@ -24,6 +24,7 @@ class ScratchFolder {
 
   const std::filesystem::path &path() const { return path_; }
   std::string file(const std::string &name) const { return (path_ / name).string(); }
+  long entries() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
 
   std::string write(const std::string &name, const std::string &content) const {
     std::ofstream(file(name), std::ios::binary) << content;

@@ -31,10 +31,6 @@ class AtomicFileCalls : public testing::Test {
     failingCalls().made.clear();
     return agent::writeFileAtomically(path_, content);
   }
-  long entries() const {
-    return std::distance(std::filesystem::directory_iterator(folder_.path()),
-                         std::filesystem::directory_iterator());
-  }
 
   ScratchFolder folder_;
   std::string path_ = folder_.write("target", "old");
@@ -53,7 +49,7 @@ TEST_F(AtomicFileCalls, LeaveTheOldFileAndNoTemporaryOneWhicheverFails) {
     EXPECT_TRUE(failingCalls().fault.happened);
     EXPECT_EQ(failingCalls().made.back(), call);
     EXPECT_EQ(ScratchFolder::read(path_), "old");
-    EXPECT_EQ(entries(), 1);
+    EXPECT_EQ(folder_.entries(), 1);
   }
 }
 

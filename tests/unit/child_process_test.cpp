@@ -12,15 +12,13 @@
 #include <cstdarg>
 #include <cstring>
 #include <filesystem>
-#include <functional>
 #include <string_view>
 
-#include "agent/launchd_jobs.h"
-#include "agent/mdm_profile.h"
-#include "agent/settings_reset.h"
 #include "agent/shell.h"
 #include "doubles/failing_calls.h"
+#include "doubles/process_state.h"
 #include "doubles/scratch_folder.h"
+#include "unit/agent_operations.h"
 
 RETURNS_ERROR(posix_spawnattr_init, (posix_spawnattr_t * attributes), (attributes))
 RETURNS_ERROR(posix_spawnattr_setsigdefault, (posix_spawnattr_t * attributes, const sigset_t *set),
@@ -61,40 +59,18 @@ namespace {
 
 using agent::ShellMode;
 using agent::ShellOutcome;
-using agent::ShellResult;
 using doubles::kEndsTheProcess;
-using doubles::ScratchFolder;
+using doubles::kEveryMode;
+using doubles::nameFor;
+using doubles::openDescriptors;
+using operations::kSecret;
 
 doubles::Fault &theFault() { return doubles::failingCalls().fault; }
-
-constexpr const char *kSecret = "Horse-Battery";
-
-std::size_t openDescriptors() {
-  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/dev/fd"),
-                                                std::filesystem::directory_iterator()));
-}
 
 std::string withoutTime(const std::string &line) {
   constexpr std::size_t kTimeAndSpace = 24;
   return line.size() > kTimeAndSpace ? line.substr(kTimeAndSpace) : line;
 }
-
-const char *nameFor(ShellMode mode) {
-  switch (mode) {
-    case ShellMode::Capture:
-      return "capture";
-    case ShellMode::Status:
-      return "status";
-    case ShellMode::WaitOnly:
-      return "wait-only";
-    case ShellMode::LaunchOnly:
-      return "launch-only";
-  }
-  return "";
-}
-
-constexpr ShellMode kModes[] = {ShellMode::Capture, ShellMode::Status, ShellMode::WaitOnly,
-                                ShellMode::LaunchOnly};
 
 /// Waits for commands that nobody else waits for: each inherits the write end of a pipe as its
 /// standard input.
@@ -123,12 +99,11 @@ class RunningCommands {
   int readEnd_ = -1;
 };
 
-/// The outcome of one run.
+/// What one run gave.
 struct Attempt {
-  ShellResult result;
-  std::string errors;
+  agent::ShellResult result;
+  std::string error;  ///< without its time
   bool commandRan = false;
-  bool faultHappened = false;
 };
 
 class StartOfACommand : public testing::Test {
@@ -137,24 +112,25 @@ class StartOfACommand : public testing::Test {
     // The first use opens a file of its own, which must not count as a leak.
     std::ignore = agent::runShellCommand(agent::kBash, "true", ShellMode::Status);
   }
-  void TearDown() override { theFault() = {}; }
 
   /// Runs a command whose text contains the secret while `call` fails.
   static Attempt runWith(ShellMode mode, std::string_view call, int error, int usesBefore = 0) {
-    const ScratchFolder folder;
+    const doubles::ScratchFolder folder;
     const std::string file = folder.file("ran");
+    const long descriptors = openDescriptors();
     Attempt run;
     RunningCommands everyCommand;
     testing::internal::CaptureStderr();
     theFault() = {.call = call, .error = error, .usesBefore = usesBefore, .happened = false};
     run.result = agent::runShellCommand(
         agent::kBash, std::string(": ") + kSecret + "; touch '" + file + "'", mode);
-    run.faultHappened = theFault().happened;
-    theFault() = {};
+    theFault().call = {};
     everyCommand.waitUntilGone();
-    run.errors = testing::internal::GetCapturedStderr();
+    const std::string errors = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(errors.find(kSecret), std::string::npos) << errors;
+    EXPECT_EQ(openDescriptors(), descriptors);
+    run.error = withoutTime(errors);
     run.commandRan = std::filesystem::exists(file);
-    EXPECT_EQ(run.errors.find(kSecret), std::string::npos) << run.errors;
     return run;
   }
 };
@@ -163,8 +139,12 @@ struct Row {
   const char *call;
   int error;
   int usesBefore = 0;
-  std::vector<ShellMode> modes{std::begin(kModes), std::end(kModes)};
+  std::vector<ShellMode> modes{kEveryMode.begin(), kEveryMode.end()};
 };
+
+std::string message(const std::string &beginning, const Row &row) {
+  return beginning + " /bin/bash: " + row.call + ": " + std::strerror(row.error) + "\n";
+}
 
 const std::vector<Row> kCallsBeforeTheStart{
     {.call = "posix_spawnattr_init", .error = ENOMEM},
@@ -177,9 +157,7 @@ const std::vector<Row> kCallsBeforeTheStart{
     {.call = "readdir", .error = EIO, .usesBefore = 2},
     {.call = "fcntl", .error = EPERM},
     {.call = "sigaction", .error = EINVAL},
-    {.call = "posix_spawn",
-     .error = EAGAIN,
-     .modes = {ShellMode::Capture, ShellMode::Status, ShellMode::WaitOnly}},
+    {.call = "posix_spawn", .error = EAGAIN},
     {.call = "pipe", .error = EMFILE, .modes = {ShellMode::Capture}},
     {.call = "posix_spawn_file_actions_adddup2", .error = ENOMEM, .modes = {ShellMode::Capture}},
     {.call = "posix_spawn_file_actions_adddup2",
@@ -192,77 +170,56 @@ const std::vector<Row> kCallsBeforeTheStart{
 TEST_F(StartOfACommand, NamesTheCallThatFailedAndRunsNothing) {
   for (const Row &row : kCallsBeforeTheStart) {
     for (const ShellMode mode : row.modes) {
-      SCOPED_TRACE(std::string(row.call) + " in " + nameFor(mode) + " mode");
-      const std::size_t descriptors = openDescriptors();
+      SCOPED_TRACE(row.call + (" in mode " + nameFor(mode)));
       const Attempt run = runWith(mode, row.call, row.error, row.usesBefore);
-      EXPECT_TRUE(run.faultHappened);
       EXPECT_FALSE(run.commandRan);
       EXPECT_EQ(run.result.outcome, ShellOutcome::NotStarted);
       EXPECT_EQ(run.result.status, 127);
       EXPECT_EQ(run.result.text, "");
-      EXPECT_EQ(withoutTime(run.errors), std::string("unable to run /bin/bash: ") + row.call +
-                                             ": " + std::strerror(row.error) + "\n");
-      EXPECT_EQ(openDescriptors(), descriptors);
+      EXPECT_EQ(run.error, message("unable to run", row));
     }
   }
 }
 
-TEST_F(StartOfACommand, IsReportedTruthfullyByTheIntermediateProcess) {
-  const Attempt run = runWith(ShellMode::LaunchOnly, "posix_spawn", EAGAIN);
-  EXPECT_FALSE(run.commandRan);
-  EXPECT_EQ(run.result.outcome, ShellOutcome::NotStarted);
-  EXPECT_EQ(withoutTime(run.errors),
-            std::string("unable to run /bin/bash: posix_spawn: ") + std::strerror(EAGAIN) + "\n");
-}
-
 TEST_F(StartOfACommand, IgnoresADescriptorThatIsClosedWhileTheyAreListed) {
   const Attempt run = runWith(ShellMode::Status, "fcntl", EBADF);
-  EXPECT_TRUE(run.faultHappened);
+  EXPECT_TRUE(theFault().happened);
   EXPECT_TRUE(run.commandRan);
   EXPECT_EQ(run.result.outcome, ShellOutcome::Done);
-  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(run.error, "");
 }
 
 TEST_F(StartOfACommand, ChecksBothCallsThatStopIgnoringChildExits) {
   const auto before = ::signal(SIGCHLD, SIG_IGN);
   const Attempt run = runWith(ShellMode::Status, "sigaction", EINVAL, 1);
   ::signal(SIGCHLD, before);
-  EXPECT_TRUE(run.faultHappened);
   EXPECT_FALSE(run.commandRan);
   EXPECT_EQ(run.result.outcome, ShellOutcome::NotStarted);
 }
 
 TEST_F(StartOfACommand, WithoutAResultIsNotReportedAsNotStarted) {
-  struct {
-    const char *call;
-    int error;
-    ShellMode mode;
-  } const rows[] = {
-      {"waitpid", ECHILD, ShellMode::Capture},  {"waitpid", ECHILD, ShellMode::Status},
-      {"waitpid", ECHILD, ShellMode::WaitOnly}, {"waitpid", ECHILD, ShellMode::LaunchOnly},
-      {"read", EIO, ShellMode::Capture},
+  const Row rows[] = {
+      {.call = "waitpid", .error = ECHILD},
+      {.call = "read", .error = EIO, .modes = {ShellMode::Capture}},
   };
-  for (const auto &row : rows) {
-    SCOPED_TRACE(std::string(row.call) + " in " + nameFor(row.mode) + " mode");
-    const std::size_t descriptors = openDescriptors();
-    const Attempt run = runWith(row.mode, row.call, row.error);
-    EXPECT_TRUE(run.faultHappened);
-    EXPECT_EQ(run.result.outcome, ShellOutcome::NoResult);
-    EXPECT_EQ(run.result.status, 127);
-    EXPECT_EQ(run.result.text, "");
-    EXPECT_EQ(withoutTime(run.errors), std::string("no result from /bin/bash: ") + row.call + ": " +
-                                           std::strerror(row.error) + "\n");
-    EXPECT_EQ(openDescriptors(), descriptors);
-    EXPECT_TRUE(run.commandRan);
+  for (const Row &row : rows) {
+    for (const ShellMode mode : row.modes) {
+      SCOPED_TRACE(row.call + (" in mode " + nameFor(mode)));
+      const Attempt run = runWith(mode, row.call, row.error);
+      EXPECT_TRUE(run.commandRan);
+      EXPECT_EQ(run.result.outcome, ShellOutcome::NoResult);
+      EXPECT_EQ(run.result.status, 127);
+      EXPECT_EQ(run.result.text, "");
+      EXPECT_EQ(run.error, message("no result from", row));
+    }
   }
 }
 
 TEST_F(StartOfACommand, IsNotKnownWhenTheIntermediateProcessWasKilled) {
   const Attempt run = runWith(ShellMode::LaunchOnly, "posix_spawn", kEndsTheProcess);
   EXPECT_EQ(run.result.outcome, ShellOutcome::NoResult);
-  EXPECT_EQ(withoutTime(run.errors),
-            std::string("no result from /bin/bash: intermediate process: ") +
-                std::strerror(ECANCELED) + "\n");
+  EXPECT_EQ(run.error,
+            message("no result from", {.call = "intermediate process", .error = ECANCELED}));
 }
 
 TEST_F(StartOfACommand, WaitsAndReadsAgainAfterASignal) {
@@ -271,24 +228,8 @@ TEST_F(StartOfACommand, WaitsAndReadsAgainAfterASignal) {
 }
 
 TEST_F(StartOfACommand, NeverShowsThePasswordInAMessage) {
-  const agent::Credentials admin{.user = "bob", .pwd = kSecret};
-  const agent::ConsoleUser console{.user = "alice", .uid = "501"};
-  const std::function<void()> operations[] = {
-      [&] { agent::getloggedInUser(); },
-      [&] { agent::getloggedInUID("alice"); },
-      [&] { agent::checkGlobalAgent(console); },
-      [&] { agent::checkGlobalDaemon(admin); },
-      [&] { agent::stopGlobalAgent(console); },
-      [&] { agent::stopGlobalDaemon(admin); },
-      [&] { agent::startGlobalAgent(console, true); },
-      [&] { agent::startGlobalAgent(console, false); },
-      [&] { agent::startGlobalDaemon(admin); },
-      [&] { agent::checkMDMProfile("Zentavo", admin); },
-      [&] { agent::deleteSettings("Zentavo", admin, "safeguarding_server.xml"); },
-      [&] { agent::generateConfigFile("Zentavo"); },
-  };
   for (const char *call : {"posix_spawnattr_init", "opendir", "sigaction", "posix_spawn"}) {
-    for (const auto &operation : operations) {
+    for (const auto &operation : operations::kAll) {
       testing::internal::CaptureStdout();
       testing::internal::CaptureStderr();
       theFault() = {.call = call, .error = ENOMEM, .usesBefore = 0, .happened = false};

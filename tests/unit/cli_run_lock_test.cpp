@@ -98,19 +98,17 @@ TEST_F(Lock, IsRefusedInAFolderThatOthersMayWriteTo) {
   EXPECT_FALSE(readMark(folder_));
 }
 
-TEST_F(Lock, IsRefusedInALinkedFolder) {
-  std::filesystem::create_directory(scratch_.file("other"));
-  std::filesystem::create_symlink(scratch_.file("other"), folder_);
+TEST_F(Lock, FollowsNoSymbolicLinkToOrInItsFolder) {
+  const std::string other = scratch_.file("other");
+  std::filesystem::create_directory(other);
+  std::filesystem::create_symlink(other, folder_);
   EXPECT_TRUE(RunLock(folder_).error());
-  EXPECT_TRUE(std::filesystem::is_empty(scratch_.file("other")));
-}
+  EXPECT_TRUE(std::filesystem::is_empty(other));
 
-TEST_F(Lock, FollowsNoSymbolicLinkInItsFolder) {
-  std::filesystem::create_directory(folder_);
-  std::filesystem::permissions(folder_, std::filesystem::perms::owner_all);
-  std::filesystem::create_symlink(scratch_.write("target", "1\n"), folder_ + "/apply");
-  EXPECT_TRUE(RunLock(folder_).error());
-  EXPECT_FALSE(readMark(folder_));
+  std::filesystem::permissions(other, std::filesystem::perms::owner_all);
+  std::filesystem::create_symlink(scratch_.write("target", "1\n"), other + "/apply");
+  EXPECT_TRUE(RunLock(other).error());
+  EXPECT_FALSE(readMark(other));
 }
 
 TEST_F(Lock, IsRefusedWhenTheFolderCannotBeCreated) {
@@ -123,6 +121,8 @@ double secondsToWait(pid_t group, double limit) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
 }
 
+constexpr double kLongWait = 60;
+
 TEST(LeftoverCommands, AreWaitedForUpToALimit) {
   const pid_t child = ::fork();
   if (child == 0) {
@@ -133,11 +133,13 @@ TEST(LeftoverCommands, AreWaitedForUpToALimit) {
   EXPECT_GE(secondsToWait(child, 0.1), 0.1);
   ::kill(child, SIGKILL);
   ::waitpid(child, nullptr, 0);
-  EXPECT_LT(secondsToWait(child, 5), 1);
+  EXPECT_LT(secondsToWait(child, kLongWait), kLongWait);
 }
 
 TEST(LeftoverCommands, AreNotWaitedForInTheToolsOwnGroupOrAnInvalidOne) {
-  for (const pid_t group : {::getpgrp(), 1, 0, -1}) EXPECT_LT(secondsToWait(group, 5), 1);
+  for (const pid_t group : {::getpgrp(), 1, 0, -1}) {
+    EXPECT_LT(secondsToWait(group, kLongWait), kLongWait);
+  }
 }
 
 }  // namespace
