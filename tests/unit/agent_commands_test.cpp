@@ -60,51 +60,45 @@ TEST_F(AgentCommands, LookUpTheUserIdOfAnyNameAndReturnTheOutputUnchanged) {
                              ShellMode::Capture}));
 }
 
-TEST_F(AgentCommands, CheckTheUserAgentInTheConsoleUsersDomainWithTwoSpaces) {
-  const RecordedCommand check{"/bin/bash", expected::kCheckAgent, ShellMode::Status};
-  EXPECT_EQ(printed([] { EXPECT_TRUE(agent::checkGlobalAgent(kConsole)); }), "");
-  EXPECT_EQ(onlyCommand(), check);
-  for (const int status : {1, 113, 127, 9, -1}) {
-    answerStatus(status);
-    EXPECT_EQ(printed([] { EXPECT_FALSE(agent::checkGlobalAgent(kConsole)); }), "");
+TEST_F(AgentCommands, CheckAJobByOneCommandAndPrintNothing) {
+  struct {
+    bool (*run)();
+    std::string command;
+  } const checks[] = {
+      {[] { return agent::checkGlobalAgent(kConsole); }, expected::kCheckAgent},
+      {[] { return agent::checkGlobalDaemon(kAdmin); }, expected::kCheckDaemon},
+  };
+  for (const auto &check : checks) {
+    for (const int status : {0, 1, 113, 127, 9, -1}) {
+      doubles::resetShell();
+      answerStatus(status);
+      EXPECT_EQ(printed([&] { EXPECT_EQ(check.run(), status == 0); }), "");
+      EXPECT_EQ(onlyCommand(), (RecordedCommand{"/bin/bash", check.command, ShellMode::Status}));
+    }
   }
 }
 
-TEST_F(AgentCommands, CheckTheDaemonAsRootWithOneSpace) {
-  const RecordedCommand check{"/bin/bash", expected::kCheckDaemon, ShellMode::Status};
-  EXPECT_EQ(printed([] { EXPECT_TRUE(agent::checkGlobalDaemon(kAdmin)); }), "");
-  EXPECT_EQ(onlyCommand(), check);
-  answerStatus(1);
-  EXPECT_EQ(printed([] { EXPECT_FALSE(agent::checkGlobalDaemon(kAdmin)); }), "");
-}
-
-struct Change {
-  const char *name;
-  void (*run)();
-  std::string command;
-  const char *success, *failure;
-};
-
-const Change kChanges[] = {
-    {"stopGlobalAgent", [] { agent::stopGlobalAgent(kConsole); }, expected::kStopAgent,
-     "Global Agent stop successfully.\n", "Global Agent failed to stop.\n"},
-    {"startGlobalAgent", [] { agent::startGlobalAgent(kConsole, true); }, expected::kStartAgent,
-     "Global Agent starts successfully.\n", "Global Agent failed to start.\n"},
-    {"stopGlobalDaemon", [] { agent::stopGlobalDaemon(kAdmin); }, expected::kStopDaemon,
-     "Global Daemon stops successfully.\n", "Global Daemon failed to stop.\n"},
-    {"startGlobalDaemon", [] { agent::startGlobalDaemon(kAdmin); }, expected::kStartDaemon,
-     "Global Daemon starts successfully.\n", "Global Daemon failed to start.\n"},
-};
-
 TEST_F(AgentCommands, ChangeAJobByOneCommandAndPrintTheResult) {
-  for (const Change &change : kChanges) {
-    SCOPED_TRACE(change.name);
-    doubles::resetShell();
-    EXPECT_EQ(printed(change.run), change.success);
-    EXPECT_EQ(onlyCommand(), (RecordedCommand{"/bin/bash", change.command, ShellMode::Status}));
-    for (const int status : {1, 127, 15, -1}) {
+  struct {
+    void (*run)();
+    std::string command;
+    const char *success, *failure;
+  } const changes[] = {
+      {[] { agent::stopGlobalAgent(kConsole); }, expected::kStopAgent,
+       "Global Agent stop successfully.\n", "Global Agent failed to stop.\n"},
+      {[] { agent::startGlobalAgent(kConsole, true); }, expected::kStartAgent,
+       "Global Agent starts successfully.\n", "Global Agent failed to start.\n"},
+      {[] { agent::stopGlobalDaemon(kAdmin); }, expected::kStopDaemon,
+       "Global Daemon stops successfully.\n", "Global Daemon failed to stop.\n"},
+      {[] { agent::startGlobalDaemon(kAdmin); }, expected::kStartDaemon,
+       "Global Daemon starts successfully.\n", "Global Daemon failed to start.\n"},
+  };
+  for (const auto &change : changes) {
+    for (const int status : {0, 1, 127, 15, -1}) {
+      doubles::resetShell();
       answerStatus(status);
-      EXPECT_EQ(printed(change.run), change.failure);
+      EXPECT_EQ(printed(change.run), status == 0 ? change.success : change.failure);
+      EXPECT_EQ(onlyCommand(), (RecordedCommand{"/bin/bash", change.command, ShellMode::Status}));
     }
   }
 }
@@ -122,68 +116,46 @@ TEST_F(AgentCommands, StartTheAgentWithoutWaitingAndPrintTheSameWhateverTheResul
 TEST(Prefixes, InsertValuesWithoutEscaping) {
   EXPECT_EQ(agent::asRoot({.user = "a\"$`\\", .pwd = " p\"$(x)`y`\\ "}, "cmd"),
             "/bin/echo \" p\"$(x)`y`\\ \" | /usr/bin/sudo -u \"a\"$`\\\" -S /usr/bin/sudo -S cmd");
+  EXPECT_EQ(agent::asRoot({}, "cmd"),
+            "/bin/echo \"\" | /usr/bin/sudo -u \"\" -S /usr/bin/sudo -S cmd");
   EXPECT_EQ(agent::asConsoleUser({.user = "John \"D\" Doe", .uid = "5; x"}, "cmd"),
             "/bin/launchctl asuser 5; x /usr/bin/sudo -u \"John \"D\" Doe\" cmd");
 }
 
-TEST(Prefixes, KeepEmptyValues) {
-  EXPECT_EQ(agent::asRoot({}, "cmd"),
-            "/bin/echo \"\" | /usr/bin/sudo -u \"\" -S /usr/bin/sudo -S cmd");
-}
-
-struct EditionRow {
-  const char *oem, *folder, *identifier;
-};
-
-constexpr EditionRow kEditionRows[] = {
-    {"Quorvix", "/Applications/Quorvix/QuorvixOskel", "com.quorvix.oskel.agent"},
-    {"Zentavo", "/Applications/Zentavo/ZentavoVardex", "com.zentavo.vardex.agent"},
-    {"Fennrow", "/Applications/Fennrow/FennrowLumar", "com.fennrow.lumar.agent"},
-    {"Tollwick", "/Applications/Tollwick/TollwickOmbrel", "de.tollwick.ombrel.agent"},
-    {"Unknown", "/Applications/Quorvix/QuorvixOskel", "com.quorvix.oskel.agent"},
-    {"", "/Applications/Quorvix/QuorvixOskel", "com.quorvix.oskel.agent"},
-};
-
-TEST_F(AgentCommands, DeleteASettingsFileInTheEditionsFolderWithTwoSpaces) {
-  for (const EditionRow &row : kEditionRows) {
-    SCOPED_TRACE(row.oem);
+TEST_F(AgentCommands, ConcernTheFolderAndTheProfileOfTheirEdition) {
+  struct {
+    const char *oem, *folder, *identifier;
+  } const editions[] = {
+      {"Quorvix", "/Applications/Quorvix/QuorvixOskel", "com.quorvix.oskel.agent"},
+      {"Zentavo", "/Applications/Zentavo/ZentavoVardex", "com.zentavo.vardex.agent"},
+      {"Fennrow", "/Applications/Fennrow/FennrowLumar", "com.fennrow.lumar.agent"},
+      {"Tollwick", "/Applications/Tollwick/TollwickOmbrel", "de.tollwick.ombrel.agent"},
+      {"Unknown", "/Applications/Quorvix/QuorvixOskel", "com.quorvix.oskel.agent"},
+      {"", "/Applications/Quorvix/QuorvixOskel", "com.quorvix.oskel.agent"},
+  };
+  for (const auto &[oem, folder, identifier] : editions) {
+    SCOPED_TRACE(oem);
     doubles::resetShell();
-    answerStatus(1);
-    EXPECT_EQ(printed([&] { agent::deleteSettings(row.oem, kAdmin, "safeguarding_server.xml"); }),
+    answerStatus(1);  // which nobody looks at
+    EXPECT_EQ(printed([oem = oem] {
+                agent::deleteSettings(oem, kAdmin, "safeguarding_server.xml");
+                agent::generateConfigFile(oem);
+                EXPECT_FALSE(agent::checkMDMProfile(oem, kAdmin));
+              }),
               "");
-    EXPECT_EQ(onlyCommand(), (RecordedCommand{"/bin/bash",
-                                              AS_ROOT "/bin/rm  " + std::string(row.folder) +
-                                                  "/SystemAgent/settings/safeguarding_server.xml",
-                                              ShellMode::WaitOnly}));
-  }
-}
-
-TEST_F(AgentCommands, RegenerateTheDaemonsSettingsWithTheProgramsOwnRights) {
-  for (const EditionRow &row : kEditionRows) {
-    SCOPED_TRACE(row.oem);
-    doubles::resetShell();
-    answerStatus(127);
-    const std::string folder = row.folder;
-    EXPECT_EQ(printed([&] { agent::generateConfigFile(row.oem); }), "");
+    const std::string systemAgent = folder + std::string("/SystemAgent/");
     EXPECT_EQ(
-        onlyCommand(),
-        (RecordedCommand{"/bin/bash",
-                         "echo -n > " + folder + "/SystemAgent/settings/daemon.settings.xml; " +
-                             folder + "/SystemAgent/SystemAgentDaemon daemon exit",
-                         ShellMode::WaitOnly}));
-  }
-}
-
-TEST_F(AgentCommands, ListProfilesWithAThirdSudoThroughSh) {
-  for (const EditionRow &row : kEditionRows) {
-    SCOPED_TRACE(row.oem);
-    doubles::resetShell();
-    EXPECT_FALSE(agent::checkMDMProfile(row.oem, kAdmin));
-    EXPECT_EQ(onlyCommand(),
-              (RecordedCommand{"/bin/sh",
-                               AS_ROOT "/usr/bin/sudo /usr/bin/profiles list |  grep " +
-                                   std::string(row.identifier),
-                               ShellMode::Capture}));
+        recordingShell().commands,
+        (std::vector<RecordedCommand>{
+            {"/bin/bash", AS_ROOT "/bin/rm  " + systemAgent + "settings/safeguarding_server.xml",
+             ShellMode::WaitOnly},
+            {"/bin/bash",
+             "echo -n > " + systemAgent + "settings/daemon.settings.xml; " + systemAgent +
+                 "SystemAgentDaemon daemon exit",
+             ShellMode::WaitOnly},
+            {"/bin/sh",
+             std::string(AS_ROOT "/usr/bin/sudo /usr/bin/profiles list |  grep ") + identifier,
+             ShellMode::Capture}}));
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "doubles/scratch_folder.h"
@@ -12,26 +13,73 @@ using i18n::DecodedCatalogue;
 using i18n::JsonData;
 using Json = nlohmann::ordered_json;
 
-const std::vector<std::string> kLanguages{"En", "Fr", "Es", "It", "Ge"};
-const std::map<std::string, std::vector<std::string>> kGroups{
-    {"Common", {"quit",           "select",   "cancel",   "apply",   "restart", "refresh",
-                "terminate",      "ok",       "back",     "reset",   "reject",  "accept",
-                "_import",        "export",   "port",     "server",  "test",    "settings",
-                "reset_settings", "username", "password", "adminmsg"}},
-    {"Language", {"lang", "english", "french", "spanish", "italian", "german"}},
-    {"About", {"about", "agent", "version"}},
+using Info = JsonData::Info;
+
+/// A key, and the field that its value belongs into.
+template <class Record>
+using Fields = std::map<std::string, std::string Record::*>;
+
+using Common = struct Info::Common;
+const Fields<Common> kCommon{{"quit", &Common::quit},
+                             {"select", &Common::select},
+                             {"cancel", &Common::cancel},
+                             {"apply", &Common::apply},
+                             {"restart", &Common::restart},
+                             {"refresh", &Common::refresh},
+                             {"terminate", &Common::terminate},
+                             {"ok", &Common::ok},
+                             {"back", &Common::back},
+                             {"reset", &Common::reset},
+                             {"reject", &Common::reject},
+                             {"accept", &Common::accept},
+                             {"_import", &Common::_import},
+                             {"export", &Common::export_},
+                             {"port", &Common::port},
+                             {"server", &Common::server},
+                             {"test", &Common::test},
+                             {"settings", &Common::settings},
+                             {"reset_settings", &Common::reset_settings},
+                             {"username", &Common::username},
+                             {"password", &Common::password},
+                             {"adminmsg", &Common::adminmsg}};
+
+using Names = struct Info::Language;
+const Fields<Names> kNames{{"lang", &Names::lang},       {"english", &Names::english},
+                           {"french", &Names::french},   {"spanish", &Names::spanish},
+                           {"italian", &Names::italian}, {"german", &Names::german}};
+
+using About = struct Info::About;
+const Fields<About> kAbout{
+    {"about", &About::about}, {"agent", &About::agent}, {"version", &About::version}};
+
+struct Entry {
+  const char *name;
+  Info JsonData::*field;
+  i18n::Language language;
 };
+
+constexpr Entry kEntries[] = {{"En", &JsonData::En, i18n::Language::En},
+                              {"Fr", &JsonData::Fr, i18n::Language::Fr},
+                              {"Es", &JsonData::Es, i18n::Language::Es},
+                              {"It", &JsonData::It, i18n::Language::It},
+                              {"Ge", &JsonData::Ge, i18n::Language::Ge}};
+
+/// Calls back with the name of each entry, group and key.
+template <class Callback>
+void forEachString(Callback callback) {
+  for (const Entry &entry : kEntries) {
+    for (const auto &[key, field] : kCommon) callback(entry.name, "Common", key);
+    for (const auto &[key, field] : kNames) callback(entry.name, "Language", key);
+    for (const auto &[key, field] : kAbout) callback(entry.name, "About", key);
+  }
+}
 
 /// Every value is its own path, so that swapped fields show.
 Json completeCatalogue() {
   Json catalogue;
-  for (const std::string &language : kLanguages) {
-    for (const auto &[group, keys] : kGroups) {
-      for (const std::string &key : keys) {
-        catalogue[language][group][key] = language + "." + group + "." + key;
-      }
-    }
-  }
+  forEachString([&](const std::string &entry, const std::string &group, const std::string &key) {
+    catalogue[entry][group][key] = entry + "." + group + "." + key;
+  });
   return catalogue;
 }
 
@@ -44,70 +92,27 @@ std::string errorFor(const Json &catalogue) {
 TEST(Catalogue, PutsEveryStringIntoItsOwnField) {
   const DecodedCatalogue decoded = i18n::decodeCatalogue(completeCatalogue().dump());
   ASSERT_TRUE(decoded.catalogue) << decoded.error;
-  const std::pair<std::string, const JsonData::Info &> entries[] = {{"En", decoded.catalogue->En},
-                                                                    {"Fr", decoded.catalogue->Fr},
-                                                                    {"Es", decoded.catalogue->Es},
-                                                                    {"It", decoded.catalogue->It},
-                                                                    {"Ge", decoded.catalogue->Ge}};
-  for (const auto &[name, info] : entries) {
-    const std::string common = name + ".Common.";
-    EXPECT_EQ(info.Common.quit, common + "quit");
-    EXPECT_EQ(info.Common.select, common + "select");
-    EXPECT_EQ(info.Common.cancel, common + "cancel");
-    EXPECT_EQ(info.Common.apply, common + "apply");
-    EXPECT_EQ(info.Common.restart, common + "restart");
-    EXPECT_EQ(info.Common.refresh, common + "refresh");
-    EXPECT_EQ(info.Common.terminate, common + "terminate");
-    EXPECT_EQ(info.Common.ok, common + "ok");
-    EXPECT_EQ(info.Common.back, common + "back");
-    EXPECT_EQ(info.Common.reset, common + "reset");
-    EXPECT_EQ(info.Common.reject, common + "reject");
-    EXPECT_EQ(info.Common.accept, common + "accept");
-    EXPECT_EQ(info.Common._import, common + "_import");
-    EXPECT_EQ(info.Common.export_, common + "export");
-    EXPECT_EQ(info.Common.port, common + "port");
-    EXPECT_EQ(info.Common.server, common + "server");
-    EXPECT_EQ(info.Common.test, common + "test");
-    EXPECT_EQ(info.Common.settings, common + "settings");
-    EXPECT_EQ(info.Common.reset_settings, common + "reset_settings");
-    EXPECT_EQ(info.Common.username, common + "username");
-    EXPECT_EQ(info.Common.password, common + "password");
-    EXPECT_EQ(info.Common.adminmsg, common + "adminmsg");
-    EXPECT_EQ(info.Language.lang, name + ".Language.lang");
-    EXPECT_EQ(info.Language.english, name + ".Language.english");
-    EXPECT_EQ(info.Language.french, name + ".Language.french");
-    EXPECT_EQ(info.Language.spanish, name + ".Language.spanish");
-    EXPECT_EQ(info.Language.italian, name + ".Language.italian");
-    EXPECT_EQ(info.Language.german, name + ".Language.german");
-    EXPECT_EQ(info.About.about, name + ".About.about");
-    EXPECT_EQ(info.About.agent, name + ".About.agent");
-    EXPECT_EQ(info.About.version, name + ".About.version");
+  for (const auto &[name, field, language] : kEntries) {
+    const Info &info = (*decoded.catalogue).*field;
+    EXPECT_EQ(&i18n::infoFor(*decoded.catalogue, language), &info);
+    const std::string entry = name;
+    for (const auto &[key, text] : kCommon) EXPECT_EQ(info.Common.*text, entry + ".Common." + key);
+    for (const auto &[key, text] : kNames)
+      EXPECT_EQ(info.Language.*text, entry + ".Language." + key);
+    for (const auto &[key, text] : kAbout) EXPECT_EQ(info.About.*text, entry + ".About." + key);
   }
 }
 
-TEST(Catalogue, IsRejectedAsAWholeForAnyMissingString) {
-  for (const std::string &language : kLanguages) {
-    for (const auto &[group, keys] : kGroups) {
-      for (const std::string &key : keys) {
-        Json catalogue = completeCatalogue();
-        catalogue[language][group].erase(key);
-        EXPECT_EQ(errorFor(catalogue), language + "." + group + "." + key + ": missing");
-      }
-    }
-  }
-}
-
-TEST(Catalogue, IsRejectedForAMissingGroupOrLanguage) {
-  for (const std::string &language : kLanguages) {
+TEST(Catalogue, IsRejectedAsAWholeForAnyMissingStringGroupOrLanguage) {
+  forEachString([](const std::string &entry, const std::string &group, const std::string &key) {
     Json catalogue = completeCatalogue();
-    catalogue.erase(language);
-    EXPECT_EQ(errorFor(catalogue), language + ": missing");
-    for (const auto &[group, keys] : kGroups) {
-      catalogue = completeCatalogue();
-      catalogue[language].erase(group);
-      EXPECT_EQ(errorFor(catalogue), language + "." + group + ": missing");
-    }
-  }
+    catalogue[entry][group].erase(key);
+    EXPECT_EQ(errorFor(catalogue), entry + "." + group + "." + key + ": missing");
+    catalogue[entry].erase(group);
+    EXPECT_EQ(errorFor(catalogue), entry + "." + group + ": missing");
+    catalogue.erase(entry);
+    EXPECT_EQ(errorFor(catalogue), entry + ": missing");
+  });
 }
 
 TEST(Catalogue, IsRejectedForAValueThatIsNotAString) {
@@ -134,16 +139,6 @@ TEST(Catalogue, IsRejectedForAGroupThatIsNotAnObject) {
   catalogue["Ge"] = nullptr;
   EXPECT_EQ(errorFor(catalogue), "Ge: expected an object, found null");
   EXPECT_EQ(errorFor(Json::array()), "expected an object, found an array");
-}
-
-TEST(Catalogue, RequiresTheUnderscoreOfImport) {
-  Json catalogue = completeCatalogue();
-  for (const std::string &language : kLanguages) {
-    Json &common = catalogue[language]["Common"];
-    common["import"] = common["_import"];
-    common.erase("_import");
-  }
-  EXPECT_EQ(errorFor(catalogue), "En.Common._import: missing");
 }
 
 TEST(Catalogue, IgnoresUnknownKeysAndTheirOrder) {
@@ -183,8 +178,12 @@ TEST(Catalogue, CutOffAnywhereIsRejected) {
   }
 }
 
+Json shippedCatalogue() {
+  return Json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
+}
+
 TEST(ShippedCatalogue, AsksForALogin) {
-  const Json catalogue = Json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
+  const Json catalogue = shippedCatalogue();
   const auto common = [&](const char *entry, const char *key) {
     return catalogue.at(entry).at("Common").at(key).get<std::string>();
   };
@@ -199,49 +198,39 @@ TEST(ShippedCatalogue, AsksForALogin) {
             "ändern.");
 }
 
-TEST(ShippedCatalogue, TitlesTheButtonsOfTheWindows) {
-  const Json catalogue = Json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
-  const std::map<std::string, std::array<std::string, 4>> expected{
-      {"En", {"OK", "Quit", "Test", "Apply"}},
-      {"Fr", {"OK", "Quitter", "Tester", "Appliquer"}},
-      {"Es", {"Aceptar", "Salir", "Probar", "Aplicar"}},
-      {"It", {"OK", "Esci", "Verifica", "Applica"}},
-      {"Ge", {"OK", "Beenden", "Testen", "Anwenden"}},
+TEST(ShippedCatalogue, TitlesTheButtonsAndNamesTheLanguagesInEveryLanguage) {
+  const Json catalogue = shippedCatalogue();
+  const std::map<std::string, std::vector<std::string>> expected{
+      {"En", {"OK", "Quit", "Test", "Apply", "English", "French", "Spanish", "Italian", "German"}},
+      {"Fr",
+       {"OK", "Quitter", "Tester", "Appliquer", "Anglais", "Français", "Espagnol", "Italien",
+        "Allemand"}},
+      {"Es",
+       {"Aceptar", "Salir", "Probar", "Aplicar", "Inglés", "Francés", "Español", "Italiano",
+        "Alemán"}},
+      {"It",
+       {"OK", "Esci", "Verifica", "Applica", "Inglese", "Francese", "Spagnolo", "Italiano",
+        "Tedesco"}},
+      {"Ge",
+       {"OK", "Beenden", "Testen", "Anwenden", "Englisch", "Französisch", "Spanisch", "Italienisch",
+        "Deutsch"}},
   };
-  for (const auto &[entry, titles] : expected) {
-    const Json &common = catalogue.at(entry).at("Common");
-    EXPECT_EQ((std::array<std::string, 4>{common.at("ok"), common.at("quit"), common.at("test"),
-                                          common.at("apply")}),
-              titles)
-        << entry;
-  }
-}
-
-TEST(ShippedCatalogue, NamesEveryLanguageInEveryLanguage) {
-  const std::string text = doubles::ScratchFolder::read(RESOURCES "/translate.json");
-  const Json catalogue = Json::parse(text);
-  const std::map<std::string, std::array<std::string, 5>> expected{
-      {"En", {"English", "French", "Spanish", "Italian", "German"}},
-      {"Fr", {"Anglais", "Français", "Espagnol", "Italien", "Allemand"}},
-      {"Es", {"Inglés", "Francés", "Español", "Italiano", "Alemán"}},
-      {"It", {"Inglese", "Francese", "Spagnolo", "Italiano", "Tedesco"}},
-      {"Ge", {"Englisch", "Französisch", "Spanisch", "Italienisch", "Deutsch"}},
-  };
-  for (const auto &[entry, names] : expected) {
-    const Json &shown = catalogue.at(entry).at("Language");
-    EXPECT_EQ(
-        (std::array<std::string, 5>{shown.at("english"), shown.at("french"), shown.at("spanish"),
-                                    shown.at("italian"), shown.at("german")}),
-        names)
-        << entry;
+  for (const auto &[entry, strings] : expected) {
+    std::vector<std::string> shown;
+    for (const char *key : {"ok", "quit", "test", "apply"}) {
+      shown.push_back(catalogue.at(entry).at("Common").at(key));
+    }
+    for (const char *key : {"english", "french", "spanish", "italian", "german"}) {
+      shown.push_back(catalogue.at(entry).at("Language").at(key));
+    }
+    EXPECT_EQ(shown, strings) << entry;
   }
 }
 
 TEST(ShippedCatalogue, IsCompleteWithColonsOnlyInTheLabelsOfTheLogin) {
-  const std::string text = doubles::ScratchFolder::read(RESOURCES "/translate.json");
-  const DecodedCatalogue decoded = i18n::decodeCatalogue(text);
+  const Json catalogue = shippedCatalogue();
+  const DecodedCatalogue decoded = i18n::decodeCatalogue(catalogue.dump());
   ASSERT_TRUE(decoded.catalogue) << decoded.error;
-  const Json catalogue = Json::parse(text);
   for (const auto &[language, groups] : catalogue.items()) {
     for (const auto &[group, keys] : groups.items()) {
       for (const auto &[key, value] : keys.items()) {

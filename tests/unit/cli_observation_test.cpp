@@ -7,21 +7,20 @@
 #include "doubles/fake_server_plist_path.h"
 #include "doubles/recording_shell.h"
 #include "doubles/scratch_folder.h"
+#include "unit/expected_commands.h"
 
 namespace {
 
 using doubles::RecordedCommand;
 using doubles::recordingShell;
 
-const std::string kLookUpUser =
-    "loggedInUser=$(stat -f%Su /dev/console 2> /dev/null); echo $loggedInUser";
-const std::string kLookUpUID = "loggedInUID=$(id -u \"alice\"); echo $loggedInUID";
+using expected::kCheckAgent;
+using expected::kLookUpUID;
+using expected::kLookUpUser;
+
 const std::string kCheckDaemon =
     "/bin/echo \"\" | /usr/bin/sudo -u \"root\" -S /usr/bin/sudo -S "
     "/bin/launchctl list com.quorvix.SystemAgentDaemon &> /dev/null";
-const std::string kCheckAgent =
-    "/bin/launchctl asuser 501 /usr/bin/sudo -u \"alice\" "
-    "/bin/launchctl list com.quorvix.SystemAgentUX  &> /dev/null";
 
 class Observation : public testing::Test {
  protected:
@@ -56,25 +55,19 @@ TEST_F(Observation, FindsTheUserAtTheConsole) {
   EXPECT_EQ(recordingShell().commandLines(), (std::vector<std::string>{kLookUpUser, kLookUpUID}));
 }
 
-TEST_F(Observation, FindsNobodyWhileTheLoginWindowIsShown) {
-  for (const char *owner : {"", "root", "_windowserver"}) {
+TEST_F(Observation, LooksUpNoIdWhileTheLoginWindowIsShownOrForANameThatTheShellWouldInterpret) {
+  struct {
+    const char *owner;
+    bool isUnknown;
+  } const rows[] = {{"", false},      {"root", false}, {"_windowserver", false}, {"a\"b", true},
+                    {"a$(id)", true}, {"a`id`", true}, {"a\\b", true},           {"a\tb", true}};
+  for (const auto &row : rows) {
     recordingShell().commands.clear();
-    owner_ = owner;
+    owner_ = row.owner;
     const cli::Console console = cli::findConsole();
-    EXPECT_EQ(console.user.user, "") << owner;
-    EXPECT_FALSE(console.isUnknown) << owner;
-    EXPECT_EQ(recordingShell().commands.size(), 1U) << owner;
-  }
-}
-
-TEST_F(Observation, PutsNoNameIntoACommandThatTheShellWouldInterpret) {
-  for (const char *owner : {"a\"b", "a$(id)", "a`id`", "a\\b", "a\tb"}) {
-    recordingShell().commands.clear();
-    owner_ = owner;
-    const cli::Console console = cli::findConsole();
-    EXPECT_EQ(console.user.user, "") << owner;
-    EXPECT_TRUE(console.isUnknown) << owner;
-    EXPECT_EQ(recordingShell().commands.size(), 1U) << owner;
+    EXPECT_EQ(console.user.user, "") << row.owner;
+    EXPECT_EQ(console.isUnknown, row.isUnknown) << row.owner;
+    EXPECT_EQ(recordingShell().commands.size(), 1U) << row.owner;
   }
 }
 

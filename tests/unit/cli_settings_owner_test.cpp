@@ -46,26 +46,18 @@ TEST_F(Owner, CreatesAMissingFileWithTheAccessRightsOfItsFolder) {
   EXPECT_EQ(fileStatus(path_).st_mode & 07777, 0664U);
 }
 
-TEST_F(Owner, LeavesALinkAndItsTargetAlone) {
+TEST_F(Owner, FollowsNoLinkThatWasThereOrThatReplacedTheFile) {
   const std::string target = folder_.write("target", "x");
   ::chmod(target.c_str(), 0600);
-  ASSERT_EQ(::symlink(target.c_str(), path_.c_str()), 0);
-  const SettingsOwner owner(path_);
-  EXPECT_FALSE(owner.restore());
-  EXPECT_EQ(fileStatus(target).st_mode & 07777, 0600U);
-  EXPECT_TRUE(S_ISLNK(fileStatus(path_).st_mode));
-}
-
-TEST_F(Owner, DoesNotFollowALinkThatReplacedTheFile) {
   folder_.write("daemon.settings.xml", "old");
   ::chmod(path_.c_str(), 0664);
-  const SettingsOwner owner(path_);
-  const std::string target = folder_.write("target", "x");
-  ::chmod(target.c_str(), 0600);
+  const SettingsOwner ofFile(path_);
   ::unlink(path_.c_str());
   ASSERT_EQ(::symlink(target.c_str(), path_.c_str()), 0);
-  EXPECT_TRUE(owner.restore());
+  EXPECT_TRUE(ofFile.restore());
+  EXPECT_FALSE(SettingsOwner(path_).restore());
   EXPECT_EQ(fileStatus(target).st_mode & 07777, 0600U);
+  EXPECT_TRUE(S_ISLNK(fileStatus(path_).st_mode));
 }
 
 TEST_F(Owner, IgnoresAFileThatIsGoneAndAMissingFolder) {

@@ -30,14 +30,11 @@ std::string afterTime(const std::string &line) {
              : "no time stamp: " + line;
 }
 
-TEST(ErrorLog, WritesTimeSpaceMessageAndNewline) {
+TEST(ErrorLog, WritesTimeSpaceMessageUpToANULAndNewline) {
   EXPECT_EQ(afterTime(logged("Disk full")), " Disk full\n");
   EXPECT_EQ(afterTime(logged("")), " \n");
   EXPECT_EQ(afterTime(logged("ends\n")), " ends\n\n");
   EXPECT_EQ(afterTime(logged("caf\xC3\xA9 \xE6\x97\xA5")), " caf\xC3\xA9 \xE6\x97\xA5\n");
-}
-
-TEST(ErrorLog, EndsAMessageAtANULAndStillWritesTheNewline) {
   EXPECT_EQ(afterTime(logged(std::string("before\0after", 12))), " before\n");
 }
 
@@ -81,11 +78,15 @@ TEST(ErrorLog, ShowsTheTimeOfTheCall) {
   EXPECT_LE(shown, app::errorLogTime(system_clock::now()));
 }
 
-TEST(StatusMessages, GoToStandardOutputAsOneLineEach) {
+TEST(Output, IsOneLineForAStatusMessageAndWithoutAdditionOnStandardError) {
   testing::internal::CaptureStdout();
-  app::printLine("one");
-  app::printLine("");
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "one\n\n");
+  testing::internal::CaptureStderr();
+  for (const char *text : {"one", "", "b\n"}) {
+    app::printLine(text);
+    app::StderrOutputStream().write(text);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "one\n\nb\n\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "oneb\n");
 }
 
 TEST(BrokenPipes, MakeAWriteFailAndDoNotEndTheProgram) {
@@ -117,14 +118,6 @@ TEST(ClosedStandardStreamsDeathTest, BecomeTheNullDeviceAndOpenOnesStay) {
     std::_Exit(areOpen && !isNullDevice(STDERR_FILENO) ? 0 : 1);
   };
   EXPECT_EXIT(check(), testing::ExitedWithCode(0), "");
-}
-
-TEST(StderrStream, AddsNothing) {
-  testing::internal::CaptureStderr();
-  app::StderrOutputStream().write("a");
-  app::StderrOutputStream().write("");
-  app::StderrOutputStream().write("b\n");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "ab\n");
 }
 
 TEST(FatalErrorDeathTest, NamesTheErrorAndAborts) {

@@ -2,47 +2,31 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <sstream>
 
-#include "agent/mdm_profile.h"
-#include "agent/server_plist.h"
 #include "app/app_statics.h"
 #include "app/build_edition.h"
+#include "doubles/scratch_folder.h"
 
 namespace {
 
-using i18n::Language;
-
-struct Row {
-  const char *oem, *title, *folder, *identifier;
-  app::EditionId id;
-};
-
-constexpr Row kRows[] = {
-    {"Quorvix", "Oskel Configuration Utility", "/Applications/Quorvix/QuorvixOskel",
-     "com.quorvix.oskel.agent", app::EditionId::Oskel},
-    {"Zentavo", "Zentavo Configuration Utility", "/Applications/Zentavo/ZentavoVardex",
-     "com.zentavo.vardex.agent", app::EditionId::Zentavo},
-    {"Fennrow", "Fennrow Configuration Utility", "/Applications/Fennrow/FennrowLumar",
-     "com.fennrow.lumar.agent", app::EditionId::Fennrow},
-    {"Tollwick", "Tollwick Configuration Utility", "/Applications/Tollwick/TollwickOmbrel",
-     "de.tollwick.ombrel.agent", app::EditionId::Tollwick},
-};
-
-TEST(Editions, AreFoundByOemAndByTitleWithEveryColumn) {
-  EXPECT_EQ(app::kEditions.size(), std::size(kRows));
-  for (const Row &row : kRows) {
-    SCOPED_TRACE(row.oem);
-    const app::Edition *edition = app::editionWithOem(row.oem);
-    ASSERT_NE(edition, nullptr);
-    EXPECT_EQ(edition, app::editionWithTitle(row.title));
-    EXPECT_EQ(edition, &app::editionOrDefault(row.oem));
-    EXPECT_EQ(edition->oem, row.oem);
-    EXPECT_EQ(edition->appName, row.title);
-    EXPECT_EQ(edition->installFolder, row.folder);
-    EXPECT_EQ(edition->profileIdentifier, row.identifier);
-    EXPECT_EQ(edition->id, row.id);
-    EXPECT_EQ(edition, &app::editionWithId(row.id));
+TEST(Editions, AreFoundByOemTitleAndId) {
+  struct {
+    const char *oem, *title;
+    app::EditionId id;
+  } const rows[] = {
+      {"Quorvix", "Oskel Configuration Utility", app::EditionId::Oskel},
+      {"Zentavo", "Zentavo Configuration Utility", app::EditionId::Zentavo},
+      {"Fennrow", "Fennrow Configuration Utility", app::EditionId::Fennrow},
+      {"Tollwick", "Tollwick Configuration Utility", app::EditionId::Tollwick},
+  };
+  EXPECT_EQ(app::kEditions.size(), std::size(rows));
+  for (const auto &row : rows) {
+    const app::Edition &edition = app::editionWithId(row.id);
+    EXPECT_EQ(edition.oem, row.oem);
+    EXPECT_EQ(edition.appName, row.title);
+    EXPECT_EQ(&edition, app::editionWithOem(row.oem));
+    EXPECT_EQ(&edition, app::editionWithTitle(row.title));
   }
 }
 
@@ -55,19 +39,21 @@ TEST(Editions, AreComparedExactly) {
   }
 }
 
-TEST(Editions, DefaultToTheQuorvixRow) {
-  EXPECT_EQ(app::editionOrDefault("Unknown").oem, "Quorvix");
-  EXPECT_EQ(app::editionOrDefault("").oem, "Quorvix");
-}
-
-TEST(Editions, OfferTheirFallbackAndTheirInitialItem) {
+TEST(EditionsFile, HoldsTheEditionTable) {
+  std::ostringstream table;
   for (const app::Edition &edition : app::kEditions) {
-    const std::set<Language> offered(edition.languages.begin(), edition.languages.end());
-    EXPECT_EQ(offered.size(), edition.languages.size()) << edition.oem;
-    EXPECT_TRUE(offered.contains(edition.fallback)) << edition.oem;
-    EXPECT_LT(static_cast<std::size_t>(edition.initialLanguageItem), edition.languages.size())
-        << edition.oem;
+    table << edition.oem << '\t' << edition.captionName << '\t' << edition.appName << '\t'
+          << edition.installFolder << '\t' << edition.profileIdentifier << '\t';
+    const char *separator = "";
+    for (const i18n::Language language : edition.languages) {
+      table << separator << i18n::getLanguageType(language);
+      separator = ",";
+    }
+    table << '\n';
   }
+  const std::string file = doubles::ScratchFolder::read(EDITIONS_FILE);
+  EXPECT_TRUE(file.starts_with("# oem\t")) << file;
+  EXPECT_EQ(file.substr(file.find('\n') + 1), table.str());
 }
 
 TEST(Statics, StartWithTheBuildsEditionAndOtherwiseEmpty) {
@@ -76,7 +62,7 @@ TEST(Statics, StartWithTheBuildsEditionAndOtherwiseEmpty) {
   EXPECT_EQ(app::buildEdition().oem, "Zentavo");
   EXPECT_EQ(statics.oem, "Zentavo");
   EXPECT_EQ(statics.appName, "Zentavo Configuration Utility");
-  EXPECT_EQ(statics.lang, Language::En);
+  EXPECT_EQ(statics.lang, i18n::Language::En);
   EXPECT_EQ(statics.server, "");
   EXPECT_EQ(statics.port, "");
   EXPECT_EQ(statics.user, "");

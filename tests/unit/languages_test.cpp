@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "i18n/edition_languages.h"
 #include "i18n/language.h"
 
@@ -26,30 +24,27 @@ TEST(Language, IsNumberedInPopUpOrderAndStoredByItsCode) {
   }
 }
 
-TEST(Language, OutsideTheEnumHasNoCode) {
+TEST(Language, IsFoundOnlyByItsExactCodeAndHasNoneOutsideTheEnum) {
+  for (const char *code : {"", "EN", "ge", "xx", "en ", " en", "e", "eng", "en-US"}) {
+    EXPECT_EQ(i18n::languageFromCode(code), std::nullopt) << "'" << code << "'";
+  }
   EXPECT_EQ(i18n::getLanguageType(static_cast<Language>(5)), "");
   EXPECT_EQ(i18n::getLanguageType(static_cast<Language>(-1)), "");
 }
 
-TEST(Language, IsFoundOnlyByItsExactCode) {
-  for (const char *code : {"", "EN", "ge", "xx", "en ", " en", "e", "eng", "en-US"}) {
-    EXPECT_EQ(i18n::languageFromCode(code), std::nullopt) << "'" << code << "'";
+TEST(Trimming, RemovesWhatTheEditionDoesNotOfferFromTheEndAndSelectsItsInitialItem) {
+  struct {
+    const char *oem;
+    std::vector<int> removed;
+    std::size_t initialItem;
+  } const rows[] = {{"Quorvix", {}, 0},
+                    {"Zentavo", {4, 3, 2}, 1},
+                    {"Fennrow", {4, 3, 2, 1}, 0},
+                    {"Tollwick", {4, 2, 1}, 1}};
+  for (const auto &row : rows) {
+    EXPECT_EQ(i18n::itemsToRemove(edition(row.oem)), row.removed) << row.oem;
+    EXPECT_EQ(edition(row.oem).initialLanguageItem, row.initialItem) << row.oem;
   }
-}
-
-TEST(Trimming, RemovesWhatTheEditionDoesNotOfferHighestIndexFirst) {
-  using Items = std::vector<int>;
-  EXPECT_EQ(i18n::itemsToRemove(edition("Quorvix")), Items{});
-  EXPECT_EQ(i18n::itemsToRemove(edition("Zentavo")), (Items{4, 3, 2}));
-  EXPECT_EQ(i18n::itemsToRemove(edition("Fennrow")), (Items{4, 3, 2, 1}));
-  EXPECT_EQ(i18n::itemsToRemove(edition("Tollwick")), (Items{4, 2, 1}));
-}
-
-TEST(Trimming, IsFollowedByTheInitialItemOfTheEdition) {
-  const std::map<std::string, int> expected{
-      {"Quorvix", 0}, {"Zentavo", 1}, {"Fennrow", 0}, {"Tollwick", 1}};
-  for (const auto &[oem, item] : expected)
-    EXPECT_EQ(edition(oem.c_str()).initialLanguageItem, item) << oem;
 }
 
 TEST(StoredCode, SelectsByTheRuleOfItsEdition) {

@@ -4,10 +4,6 @@
 
 namespace {
 
-constexpr const char *kTwoLanguages =
-    "User carol is not from local Admin group.\n\nL'utilisateur carol ne fait pas partie du groupe "
-    "d'administrateurs local.";
-
 TEST(NotAdminMessage, IsInFiveLanguagesUnderTheOskelTitle) {
   EXPECT_EQ(app::notAdminMessage("Oskel Configuration Utility", "carol"),
             "User carol is not from local Admin group.\n\n"
@@ -21,14 +17,11 @@ TEST(NotAdminMessage, IsInEnglishAndFrenchUnderEveryOtherTitle) {
   for (const char *title :
        {"Zentavo Configuration Utility", "Fennrow Configuration Utility",
         "Tollwick Configuration Utility", "Another Title", "", "oskel configuration utility"}) {
-    EXPECT_EQ(app::notAdminMessage(title, "carol"), kTwoLanguages) << title;
+    EXPECT_EQ(app::notAdminMessage(title, "carol"),
+              "User carol is not from local Admin group.\n\n"
+              "L'utilisateur carol ne fait pas partie du groupe d'administrateurs local.")
+        << title;
   }
-}
-
-TEST(NotAdminMessage, AcceptsAnEmptyName) {
-  EXPECT_EQ(app::notAdminMessage("Zentavo Configuration Utility", ""),
-            "User  is not from local Admin group.\n\nL'utilisateur  ne fait pas partie du groupe "
-            "d'administrateurs local.");
 }
 
 }  // namespace

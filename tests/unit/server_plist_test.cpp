@@ -1,9 +1,6 @@
 #include "agent/server_plist.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <regex>
 
 #include "doubles/fake_server_plist_path.h"
 #include "doubles/scratch_folder.h"
@@ -41,15 +38,9 @@ std::string expectedText(const std::string &lang, const std::string &server,
          "    </plist>";
 }
 
-TEST(ServerPlistText, IsTheSameByteForByteWithTheProfileOnAndOff) {
-  EXPECT_EQ(agent::serverPlistText(
-                {.server = "192.0.2.10", .port = "6000", .lang = "de", .profile = false}),
-            expectedText("de", "192.0.2.10", "6000", "false"));
-  EXPECT_EQ(agent::serverPlistText({.server = "mdm", .port = "+80", .lang = "en", .profile = true}),
-            expectedText("en", "mdm", "+80", "true"));
-}
-
-TEST(ServerPlistText, InsertsValuesUnchanged) {
+TEST(ServerPlistText, IsTheSameByteForByteAroundValuesThatAreInsertedUnchanged) {
+  EXPECT_EQ(agent::serverPlistText({.server = "mdm", .port = "+80", .lang = "de", .profile = true}),
+            expectedText("de", "mdm", "+80", "true"));
   EXPECT_EQ(agent::serverPlistText({.server = "a&b<c>\"'", .port = "", .lang = ""}),
             expectedText("", "a&b<c>\"'", "", "false"));
 }
@@ -99,11 +90,9 @@ TEST_F(ServerPlistFile, IsReportedWithPathAndErrorWhenItCannotBeWritten) {
   const std::string missing = folder_.file("missing/server.plist");
   doubles::setServerPlistPath(missing);
   const std::string line = generateAndReturnErrors(values_);
-  const std::regex time("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} ");
-  std::smatch match;
-  ASSERT_TRUE(std::regex_search(line, match, time, std::regex_constants::match_continuous)) << line;
-  EXPECT_EQ(match.suffix(),
-            "unable to write in " + missing + " with error No such file or directory\n");
+  EXPECT_TRUE(
+      line.ends_with(" unable to write in " + missing + " with error No such file or directory\n"))
+      << line;
 }
 
 TEST_F(ServerPlistFile, IsNotWrittenAndNothingIsPrintedWithoutALibraryFolder) {

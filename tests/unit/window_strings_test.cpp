@@ -8,96 +8,73 @@ using enum i18n::Language;
 using i18n::JsonData;
 using Titles = std::vector<std::string>;
 
-/// Every field is different, so that swapped ones show.
-JsonData::Info distinctInfo(const std::string &prefix) {
+/// Every string is the name of its field, so that swapped fields show.
+JsonData::Info distinctInfo() {
   JsonData::Info info;
-  info.Common.quit = prefix + "quit";
-  info.Common.apply = prefix + "apply";
-  info.Common.port = prefix + "port";
-  info.Common.server = prefix + "server";
-  info.Common.test = prefix + "test";
-  info.Common.settings = prefix + "settings";
-  info.Common.reset_settings = prefix + "reset_settings";
-  info.Language = {.lang = prefix + "lang",
-                   .english = prefix + "english",
-                   .french = prefix + "french",
-                   .spanish = prefix + "spanish",
-                   .italian = prefix + "italian",
-                   .german = prefix + "german"};
+  info.Common.quit = "quit";
+  info.Common.apply = "apply";
+  info.Common.port = "port";
+  info.Common.server = "server";
+  info.Common.test = "test";
+  info.Common.settings = "settings";
+  info.Common.reset_settings = "reset_settings";
+  info.Language = {.lang = "lang",
+                   .english = "english",
+                   .french = "french",
+                   .spanish = "spanish",
+                   .italian = "italian",
+                   .german = "german"};
   return info;
 }
 
-TEST(CatalogueEntry, IsPickedByLanguageAndNotByPosition) {
-  JsonData data;
-  data.En.Common.quit = "English";
-  data.Fr.Common.quit = "French";
-  data.Es.Common.quit = "Spanish";
-  data.It.Common.quit = "Italian";
-  data.Ge.Common.quit = "German";
-  EXPECT_EQ(i18n::infoFor(data, En).Common.quit, "English");
-  EXPECT_EQ(i18n::infoFor(data, Fr).Common.quit, "French");
-  EXPECT_EQ(i18n::infoFor(data, It).Common.quit, "Italian");
-  EXPECT_EQ(i18n::infoFor(data, Ge).Common.quit, "German");
-  EXPECT_EQ(i18n::infoFor(data, Es).Common.quit, "Spanish");
-}
-
 TEST(SettingsStrings, ComeFromTheEntryWithColonsWhereCaptionsNeedThem) {
-  const i18n::SettingsStrings strings = i18n::settingsStrings(distinctInfo("x-"), En, "Zentavo");
-  EXPECT_EQ(strings.settings, "x-settings");
-  EXPECT_EQ(strings.language, "x-lang:");
-  EXPECT_EQ(strings.server, "Zentavo x-server:");
-  EXPECT_EQ(strings.quit, "x-quit");
-  EXPECT_EQ(strings.apply, "x-apply");
-  EXPECT_EQ(strings.port, "x-port:");
-  EXPECT_EQ(strings.test, "x-test");
-  EXPECT_EQ(strings.reset_settings, "x-reset_settings");
+  const i18n::SettingsStrings strings = i18n::settingsStrings(distinctInfo(), En, "Zentavo");
+  EXPECT_EQ(strings.settings, "settings");
+  EXPECT_EQ(strings.language, "lang:");
+  EXPECT_EQ(strings.server, "Zentavo server:");
+  EXPECT_EQ(strings.quit, "quit");
+  EXPECT_EQ(strings.apply, "apply");
+  EXPECT_EQ(strings.port, "port:");
+  EXPECT_EQ(strings.test, "test");
+  EXPECT_EQ(strings.reset_settings, "reset_settings");
 }
 
-TEST(ServerHint, IsFixedPerLanguage) {
-  const JsonData::Info info = distinctInfo("");
-  EXPECT_EQ(i18n::settingsStrings(info, En, "Zentavo").serverHint, "ip or hostname");
-  EXPECT_EQ(i18n::settingsStrings(info, Fr, "Zentavo").serverHint, "ip ou <nom de machine>");
-  EXPECT_EQ(i18n::settingsStrings(info, It, "Zentavo").serverHint, "ip o <Nome host>");
-  EXPECT_EQ(i18n::settingsStrings(info, Ge, "Zentavo").serverHint, "ip oder Hostname");
-  EXPECT_EQ(i18n::settingsStrings(info, Es, "Zentavo").serverHint, "ip o <nombre de host>");
-}
-
-TEST(TestResult, IsNamedInEveryLanguage) {
+TEST(SettingsStrings, HaveAFixedHintAndServerCaptionAndTestResultsInEachLanguage) {
   using enum i18n::TestResult;
-  const std::tuple<i18n::Language, const char *, const char *, const char *> rows[] = {
-      {En, "Not tested", "Server reachable", "Server unreachable"},
-      {Fr, "Non testé", "Serveur joignable", "Serveur injoignable"},
-      {It, "Non verificato", "Server raggiungibile", "Server non raggiungibile"},
-      {Ge, "Nicht getestet", "Server erreichbar", "Server nicht erreichbar"},
-      {Es, "Sin probar", "Servidor accesible", "Servidor inaccesible"},
-  };
-  for (const auto &[lang, notTested, reachable, unreachable] : rows) {
-    EXPECT_EQ(i18n::testResultString(NotTested, lang), notTested);
-    EXPECT_EQ(i18n::testResultString(Reachable, lang), reachable);
-    EXPECT_EQ(i18n::testResultString(Unreachable, lang), unreachable);
-  }
-}
-
-TEST(ServerCaption, JoinsTheEditionWordAsTheLanguageDoes) {
   struct {
-    const char *oem, *word;
-  } const editions[] = {{"Quorvix", "Oskel"},     {"Zentavo", "Zentavo"}, {"Fennrow", "Fennrow"},
-                        {"Tollwick", "Tollwick"}, {"Unknown", "Unknown"}, {"", ""}};
-  JsonData::Info info;
-  info.Common.server = "S";
-  for (const auto &[oem, word] : editions) {
-    SCOPED_TRACE(oem);
-    const std::string w = word;
-    EXPECT_EQ(i18n::settingsStrings(info, En, oem).server, w + " S:");
-    EXPECT_EQ(i18n::settingsStrings(info, Fr, oem).server, "S " + w + ":");
-    EXPECT_EQ(i18n::settingsStrings(info, It, oem).server, "S " + w + ":");
-    EXPECT_EQ(i18n::settingsStrings(info, Ge, oem).server, w + "-S:");
-    EXPECT_EQ(i18n::settingsStrings(info, Es, oem).server, "S " + w + ":");
+    i18n::Language lang;
+    const char *hint;
+    std::string beforeWord, afterWord;
+    const char *notTested, *reachable, *unreachable;
+  } const rows[] = {
+      {En, "ip or hostname", "", " server:", "Not tested", "Server reachable",
+       "Server unreachable"},
+      {Fr, "ip ou <nom de machine>", "server ", ":", "Non testé", "Serveur joignable",
+       "Serveur injoignable"},
+      {It, "ip o <Nome host>", "server ", ":", "Non verificato", "Server raggiungibile",
+       "Server non raggiungibile"},
+      {Ge, "ip oder Hostname", "", "-server:", "Nicht getestet", "Server erreichbar",
+       "Server nicht erreichbar"},
+      {Es, "ip o <nombre de host>", "server ", ":", "Sin probar", "Servidor accesible",
+       "Servidor inaccesible"},
+  };
+  const std::pair<const char *, const char *> editions[] = {
+      {"Quorvix", "Oskel"},     {"Zentavo", "Zentavo"}, {"Fennrow", "Fennrow"},
+      {"Tollwick", "Tollwick"}, {"Unknown", "Unknown"}, {"", ""}};
+  for (const auto &row : rows) {
+    for (const auto &[oem, word] : editions) {
+      const auto strings = i18n::settingsStrings(distinctInfo(), row.lang, oem);
+      EXPECT_EQ(strings.serverHint, row.hint);
+      EXPECT_EQ(strings.server, row.beforeWord + word + row.afterWord);
+    }
+    EXPECT_EQ(i18n::testResultString(NotTested, row.lang), row.notTested);
+    EXPECT_EQ(i18n::testResultString(Reachable, row.lang), row.reachable);
+    EXPECT_EQ(i18n::testResultString(Unreachable, row.lang), row.unreachable);
   }
 }
 
 TEST(LanguageTitles, AreThoseThatTheEditionOffersInPopUpOrder) {
-  const auto names = distinctInfo("").Language;
+  const auto names = distinctInfo().Language;
   const Titles all{"english", "french", "italian", "german", "spanish"};
   EXPECT_EQ(i18n::languageTitles(names, "Quorvix"), all);
   EXPECT_EQ(i18n::languageTitles(names, "Zentavo"), (Titles{"english", "french"}));
