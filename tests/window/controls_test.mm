@@ -1,6 +1,6 @@
 #import <objc/runtime.h>
 
-#include <map>
+#include <tuple>
 #include <vector>
 
 #include "app/ns_string.h"
@@ -32,10 +32,6 @@ class Controls : public WindowTest {
       EXPECT_TRUE(sel_isEqual([found action], control.action));
       EXPECT_EQ([found target], control.action == nullptr ? nil : owner);
     }
-  }
-
-  static bool showsItsState(id owner, const char *name) {
-    return [[outlet<NSButton>(owner, name) cell] showsStateBy] != NSNoCellMask;
   }
 };
 
@@ -70,50 +66,58 @@ TEST_F(Controls, OfTheSettingsWindowAreOfTheirKindVisibleAndConnected) {
 
 TEST_F(Controls, AreCheckBoxesOnlyWhereSomethingIsOnOrOff) {
   ServerWindowController *controller = openSettings();
-  EXPECT_TRUE(showsItsState(controller, "reset_settings"));
-  EXPECT_TRUE(showsItsState(controller, "MDM_profile"));
-  for (const char *name : {"TestButton", "Apply_button", "Quit_button"}) {
-    EXPECT_FALSE(showsItsState(controller, name)) << name;
+  for (const auto &[name, expected] : {std::pair("reset_settings", true),
+                                       {"MDM_profile", true},
+                                       {"TestButton", false},
+                                       {"Apply_button", false},
+                                       {"Quit_button", false}}) {
+    NSButtonCell *cell = [outlet<NSButton>(controller, name) cell];
+    EXPECT_EQ([cell showsStateBy] != NSNoCellMask, expected) << name;
   }
 }
 
 TEST_F(Controls, EditOnlyWhatTheAdministratorTypes) {
-  const std::map<std::string, bool> login{{"admin_msg", false},
-                                          {"username_label", false},
-                                          {"username", true},
-                                          {"password_label", false},
-                                          {"password", true}};
-  const std::map<std::string, bool> settings{{"language_label", false},
-                                             {"server_label", false},
-                                             {"servername", true},
-                                             {"port_label", false},
-                                             {"port", true}};
-  for (const auto &[owner, fields] :
-       {std::pair<id, std::map<std::string, bool>>(launch(), login), {openSettings(), settings}}) {
-    for (const auto &[name, editable] : fields) {
-      NSTextField *field = outlet<NSTextField>(owner, name.c_str());
-      EXPECT_EQ([field isEditable], editable) << name;
-      EXPECT_EQ([field isSelectable], editable) << name;
-      EXPECT_TRUE([field isEnabled]) << name;
-    }
+  AppDelegate *login = launch();
+  ServerWindowController *settings = openSettings();
+  const std::tuple<id, const char *, bool> fields[] = {
+      {login, "admin_msg", false},       {login, "username_label", false},
+      {login, "username", true},         {login, "password_label", false},
+      {login, "password", true},         {settings, "language_label", false},
+      {settings, "server_label", false}, {settings, "servername", true},
+      {settings, "port_label", false},   {settings, "port", true}};
+  for (const auto &[owner, name, editable] : fields) {
+    NSTextField *field = outlet<NSTextField>(owner, name);
+    EXPECT_EQ([field isEditable], editable) << name;
+    EXPECT_EQ([field isSelectable], editable) << name;
+    EXPECT_TRUE([field isEnabled]) << name;
   }
 }
 
-TEST_F(Controls, TranslateTheWindowWhenALanguageIsChosenInThePopUp) {
-  becomeEdition("Quorvix");
-  ServerWindowController *controller = openSettings();
-  NSPopUpButton *languages = outlet<NSPopUpButton>(controller, "selectLanguage");
-  for (const auto &[item, entry] : {std::pair(3, "Ge"), {4, "Es"}, {0, "En"}}) {
-    [[languages menu] performActionForItemAtIndex:item];
-    EXPECT_EQ(buttonTitle(controller, "Quit_button"), catalogueString(entry, "Common", "quit"));
+TEST_F(Controls, HaveReturnForTheDefaultButtonAndEscapeForQuitInTheLoginWindowOnly) {
+  AppDelegate *login = launch();
+  ServerWindowController *settings = openSettings();
+  const std::tuple<id, const char *, const char *> buttons[] = {{login, "OkButton", "\r"},
+                                                                {login, "QuitButton", "\x1b"},
+                                                                {settings, "Apply_button", "\r"},
+                                                                {settings, "Quit_button", ""}};
+  for (const auto &[owner, name, key] : buttons) {
+    NSButton *button = outlet<NSButton>(owner, name);
+    EXPECT_EQ(app::utf8([button keyEquivalent]), key) << name;
+    EXPECT_EQ([button isHighlighted], std::string_view(key) == "\r") << name;
   }
 }
 
-TEST_F(Controls, OpenInTheMiddleOfTheScreenEachTime) {
-  for (int times = 0; times < 2; ++times) {
-    ServerWindowController *controller = openSettings();
-    EXPECT_FALSE([controller shouldCascadeWindows]);
-    NSWindow *window = [controller window];
+// A program without a window would keep the password in memory.
+TEST_F(Controls, AreInWindowsOfAFixedSizeInTheMiddleOfTheScreenThatCannotBeClosed) {
+  AppDelegate *login = launch();
+  ServerWindowController *settings = openSettings();
+  EXPECT_FALSE([settings shouldCascadeWindows]);
+  EXPECT_FALSE(
+      [login respondsToSelector:@selector(applicationShouldTerminateAfterLastWindowClosed:)]);
+  for (NSWindow *window : {outlet<NSWindow>(login, "window"), [settings window]}) {
+    EXPECT_EQ([window styleMask], NSWindowStyleMaskTitled);
+    [window performClose:nil];
+    EXPECT_TRUE([window isVisible]);
     const NSPoint opened = [window frame].origin;
     [window center];
     EXPECT_TRUE(NSEqualPoints(opened, [window frame].origin));

@@ -1,36 +1,6 @@
 #include "app/ns_string.h"
+#include "doubles/intercepted_method.h"
 #import "window/window_test.h"
-
-/// Becomes first responder and notes which actions arrive.
-@interface ActionRecorder : NSView {
- @public
-  std::string actions;
-}
-@end
-
-@implementation ActionRecorder
-- (BOOL)acceptsFirstResponder {
-  return YES;
-}
-- (void)cut:(id)sender {
-  actions += "cut ";
-}
-- (void)copy:(id)sender {
-  actions += "copy ";
-}
-- (void)paste:(id)sender {
-  actions += "paste ";
-}
-- (void)selectAll:(id)sender {
-  actions += "selectAll ";
-}
-- (void)undo:(id)sender {
-  actions += "undo ";
-}
-- (void)terminate:(id)sender {
-  actions += "terminate ";
-}
-@end
 
 namespace windowtest {
 namespace {
@@ -38,17 +8,19 @@ namespace {
 // NSEventModifierFlagCapsLock, which GNUstep gui 0.29 does not name.
 constexpr NSUInteger kCapsLock = 1U << 16;
 
-bool press(NSWindow *window, const std::string &key, NSUInteger modifiers) {
-  return [window performKeyEquivalent:[NSEvent keyEventWithType:NSEventTypeKeyDown
-                                                             location:NSZeroPoint
-                                                        modifierFlags:modifiers
-                                                            timestamp:0
-                                                         windowNumber:[window windowNumber]
-                                                              context:nil
-                                                           characters:app::nsString(key)
-                                          charactersIgnoringModifiers:app::nsString(key)
-                                                            isARepeat:NO
-                                                              keyCode:0]];
+/// The actions that were sent to the first responder and what follows it.
+std::string sent;
+
+BOOL recordAction(id, SEL, SEL action, id target, id) {
+  EXPECT_TRUE(target == nil);
+  sent += sel_getName(action);
+  return YES;
+}
+
+doubles::InterceptedMethod recordActions() {
+  sent.clear();
+  return doubles::InterceptedMethod::ofInstances(
+      [NSApplication class], @selector(sendAction:to:from:), reinterpret_cast<IMP>(recordAction));
 }
 
 class EditingKeys : public WindowTest {
@@ -57,14 +29,6 @@ class EditingKeys : public WindowTest {
     WindowTest::SetUp();
     store("en", "192.0.2.10", "6000");
     delegate_ = launch();
-  }
-
-  static ActionRecorder *recordActions(NSWindow *window) {
-    ActionRecorder *recorder = [[[ActionRecorder alloc] initWithFrame:NSZeroRect] autorelease];
-    [[window contentView] addSubview:recorder];
-    [window makeKeyAndOrderFront:nil];
-    EXPECT_TRUE([window makeFirstResponder:recorder]);
-    return recorder;
   }
 
   /// The server stays selected.
@@ -82,26 +46,26 @@ class EditingKeys : public WindowTest {
 
 TEST_F(EditingKeys, AreSentToWhateverHasTheKeyboardInBothWindows) {
   for (NSWindow *window : {outlet<NSWindow>(delegate_, "window"), [openSettings() window]}) {
-    ActionRecorder *recorder = recordActions(window);
+    const auto intercepted = recordActions();
     for (const char *key : {"x", "c", "v", "a", "z", "q", "C"}) {
       EXPECT_TRUE(press(window, key, NSEventModifierFlagCommand)) << key;
     }
-    EXPECT_EQ(recorder->actions, "cut copy paste selectAll undo terminate copy ");
+    EXPECT_EQ(sent, "cut:copy:paste:selectAll:undo:terminate:copy:");
   }
 }
 
 TEST_F(EditingKeys, AreTheCommandKeyAloneWithTheseLetters) {
   NSWindow *window = [openSettings() window];
-  ActionRecorder *recorder = recordActions(window);
+  const auto intercepted = recordActions();
   EXPECT_FALSE(press(window, "c", 0));
   EXPECT_FALSE(press(window, "c", NSEventModifierFlagControl));
   EXPECT_FALSE(press(window, "c", NSEventModifierFlagCommand | NSEventModifierFlagShift));
   EXPECT_FALSE(press(window, "c", NSEventModifierFlagCommand | NSEventModifierFlagOption));
   EXPECT_FALSE(press(window, "k", NSEventModifierFlagCommand));
   EXPECT_FALSE(press(window, "", NSEventModifierFlagCommand));
-  EXPECT_EQ(recorder->actions, "");
+  EXPECT_EQ(sent, "");
   EXPECT_TRUE(press(window, "c", NSEventModifierFlagCommand | kCapsLock));
-  EXPECT_EQ(recorder->actions, "copy ");
+  EXPECT_EQ(sent, "copy:");
 }
 
 std::string edited(id owner, const char *field) {

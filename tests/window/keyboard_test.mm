@@ -95,21 +95,6 @@ TEST_F(Keyboard, StartsInTheServerAndGoesRoundTheSettingsWindowInReadingOrder) {
   }
 }
 
-TEST_F(Keyboard, QuitsByEscapeInTheLoginWindowOnly) {
-  AppDelegate *delegate = launch();
-  EXPECT_EQ(app::utf8([outlet<NSButton>(delegate, "QuitButton") keyEquivalent]), "\x1b");
-  ServerWindowController *controller = openSettings();
-  EXPECT_EQ(app::utf8([outlet<NSButton>(controller, "Quit_button") keyEquivalent]), "");
-}
-
-TEST_F(Keyboard, FindsAStopThatIsLeftOut) {
-  ServerWindowController *controller = openSettings();
-  NSWindow *window = [controller window];
-  const Names whole = loop(window, controller, @selector(nextKeyView));
-  [outlet<NSView>(controller, "port") setNextKeyView:outlet<NSView>(controller, "TestButton")];
-  EXPECT_EQ(loop(window, controller, @selector(nextKeyView)).size(), whole.size() - 1);
-}
-
 // GNUstep's controls have no accessibility, so this looks at the interface files.
 class Accessibility : public testing::TestWithParam<const char *> {
  protected:

@@ -30,9 +30,7 @@ int observedWindows = 0;
 namespace windowtest {
 namespace {
 
-constexpr const char *kOutlets[] = {"window",   "admin_msg",  "username_label",
-                                    "username", "password",   "password_label",
-                                    "OkButton", "QuitButton", "MainMenu"};
+using Strings = std::vector<std::string>;
 
 class LoginWindow : public WindowTest {
  protected:
@@ -42,28 +40,19 @@ class LoginWindow : public WindowTest {
       return name == user && password == pwd;
     };
   }
-  static std::string strings(AppDelegate *delegate) {
-    return fieldText(delegate, "admin_msg") + " | " + fieldText(delegate, "username_label") +
-           " | " + fieldText(delegate, "password_label") + " | " +
-           buttonTitle(delegate, "OkButton") + " | " + buttonTitle(delegate, "QuitButton");
+  static Strings strings(AppDelegate *delegate) {
+    return {fieldText(delegate, "admin_msg"), fieldText(delegate, "username_label"),
+            fieldText(delegate, "password_label"), buttonTitle(delegate, "OkButton"),
+            buttonTitle(delegate, "QuitButton")};
   }
-  static std::string catalogueStrings(const std::string &entry) {
-    return catalogueString(entry, "Common", "adminmsg") + " | " +
-           catalogueString(entry, "Common", "username") + " | " +
-           catalogueString(entry, "Common", "password") + " | " +
-           catalogueString(entry, "Common", "ok") + " | " +
-           catalogueString(entry, "Common", "quit");
+  static Strings catalogueStrings(const std::string &entry) {
+    Strings strings;
+    for (const char *key : {"adminmsg", "username", "password", "ok", "quit"}) {
+      strings.push_back(catalogueString(entry, "Common", key));
+    }
+    return strings;
   }
 };
-
-TEST_F(LoginWindow, ConnectsEveryOutletOfItsInterfaceFile) {
-  AppDelegate *delegate = loadLogin();
-  for (const char *name : kOutlets) {
-    EXPECT_TRUE([delegate valueForKey:[NSString stringWithUTF8String:name]] != nil) << name;
-  }
-  EXPECT_TRUE(
-      [outlet<NSSecureTextField>(delegate, "password") isKindOfClass:[NSSecureTextField class]]);
-}
 
 TEST_F(LoginWindow, IsOnScreenAtLaunchWithTheTitleOfItsEdition) {
   for (const app::Edition &edition : app::kEditions) {
@@ -98,13 +87,8 @@ TEST_F(LoginWindow, HasAnEmptyMainMenuAfterLaunch) {
   EXPECT_EQ([outlet<NSMenu>(delegate, "MainMenu") numberOfItems], 0);
 }
 
-TEST_F(LoginWindow, GivesTheOkButtonTheReturnKeyAndTheDefaultLook) {
-  NSButton *ok = outlet<NSButton>(launch(), "OkButton");
-  EXPECT_EQ(app::utf8([ok keyEquivalent]), "\r");
-  EXPECT_TRUE([ok isHighlighted]);
-}
-
-TEST_F(LoginWindow, OpensInTheLanguageThatTheStoredSettingsName) {
+TEST_F(LoginWindow, IsTranslatedEachTimeIntoTheLanguageThatTheStoredSettingsName) {
+  AppDelegate *delegate = launch();
   struct {
     const char *code;
     i18n::Language lang;
@@ -118,26 +102,16 @@ TEST_F(LoginWindow, OpensInTheLanguageThatTheStoredSettingsName) {
   for (const auto &row : rows) {
     SCOPED_TRACE(row.code);
     store(row.code, "", "6000");
-    AppDelegate *delegate = launch();
+    [delegate translate];
     EXPECT_EQ(app::appStatics().lang, row.lang);
     EXPECT_EQ(strings(delegate), catalogueStrings(row.entry));
-    [outlet<NSWindow>(delegate, "window") orderOut:nil];
   }
-}
-
-TEST_F(LoginWindow, ReadsTheStoredLanguageOnEachTranslation) {
-  store("de", "", "6000");
-  AppDelegate *delegate = launch();
-  store("en", "", "6000");
-  [delegate translate];
-  EXPECT_EQ(app::appStatics().lang, i18n::Language::En);
-  EXPECT_EQ(strings(delegate), catalogueStrings("En"));
 }
 
 TEST_F(LoginWindow, KeepsTheStringsOfItsInterfaceFileWithoutAUsableCatalogue) {
   store("de", "", "6000");
   AppDelegate *delegate = loadLogin();
-  const std::string before = strings(delegate);
+  const Strings before = strings(delegate);
   setCatalogue("{\"En\": {}}");
   testing::internal::CaptureStderr();
   [delegate applicationDidFinishLaunching:launchNotification()];
@@ -167,23 +141,14 @@ TEST_F(LoginWindow, EmptiesBothFieldsSilentlyOnAWrongPassword) {
   EXPECT_TRUE([outlet<NSTextField>(delegate, "username") currentEditor] != nil);
 }
 
-TEST_F(LoginWindow, LetsTheDirectoryDecideOnEmptyFields) {
-  std::string asked = "nothing";
-  doubles::fakeDirectory().authenticate = [&](const std::string &user, const std::string &pwd) {
-    asked = "'" + user + "' '" + pwd + "'";
-    return false;
-  };
-  [launch() OkAction:nil];
-  EXPECT_EQ(asked, "'' ''");
-}
-
-TEST_F(LoginWindow, ChecksWhatIsTypedAtEachAttempt) {
+TEST_F(LoginWindow, ChecksWhatIsTypedAtEachAttemptEvenNothing) {
   std::string attempts;
   doubles::fakeDirectory().authenticate = [&](const std::string &user, const std::string &pwd) {
     attempts += user + "/" + pwd + " ";
     return false;
   };
   AppDelegate *delegate = launch();
+  [delegate OkAction:nil];
   type(delegate, "username", "alice");
   type(delegate, "password", "wrong");
   [delegate OkAction:nil];
@@ -191,7 +156,7 @@ TEST_F(LoginWindow, ChecksWhatIsTypedAtEachAttempt) {
   [delegate OkAction:nil];
   type(delegate, "password", "right");
   [delegate OkAction:nil];
-  EXPECT_EQ(attempts, "alice/wrong bob/ /right ");
+  EXPECT_EQ(attempts, "/ alice/wrong bob/ /right ");
 }
 
 TEST_F(LoginWindow, IsReplacedByTheSettingsWindowOnReturnWithTheRightPassword) {
@@ -200,7 +165,7 @@ TEST_F(LoginWindow, IsReplacedByTheSettingsWindowOnReturnWithTheRightPassword) {
   NSWindow *window = outlet<NSWindow>(delegate, "window");
   type(delegate, "username", "alice");
   type(delegate, "password", "  p w ");
-  pressReturn(window);
+  EXPECT_TRUE(press(window, "\r"));
   EXPECT_FALSE([window isVisible]);
   ServerWindowController *settings = [AppDelegate serverWindow];
   ASSERT_TRUE(settings != nil);
@@ -216,16 +181,6 @@ TEST_F(LoginWindow, IsReplacedByTheSettingsWindowOnReturnWithTheRightPassword) {
   [delegate OkAction:nil];
   EXPECT_EQ([AppDelegate serverWindow], settings);
   EXPECT_EQ(doubles::recordingShell().commandLines(), commands);
-}
-
-// A program without a window would keep the password in memory.
-TEST_F(LoginWindow, CannotBeClosed) {
-  AppDelegate *delegate = launch();
-  NSWindow *window = outlet<NSWindow>(delegate, "window");
-  [window performClose:nil];
-  EXPECT_TRUE([window isVisible]);
-  EXPECT_FALSE(
-      [delegate respondsToSelector:@selector(applicationShouldTerminateAfterLastWindowClosed:)]);
 }
 
 TEST_F(LoginWindow, LivesAsLongAsTheDelegate) {
@@ -250,28 +205,24 @@ TEST_F(LoginWindowDeathTest, EndsTheProgramWithStatus0ByQuit) {
               testing::ExitedWithCode(0), "");
 }
 
-TEST_F(LoginWindowDeathTest, StopsTheProgramWhereALaunchNeedsAMissingOutlet) {
-  for (const char *name : {"MainMenu", "window", "OkButton", "admin_msg", "username_label",
-                           "password_label", "QuitButton"}) {
-    EXPECT_EXIT(
-        {
-          AppDelegate *delegate = loadLogin();
-          disconnect(delegate, name);
-          [delegate applicationDidFinishLaunching:launchNotification()];
-        },
-        testing::KilledBySignal(SIGABRT),
-        std::string("fatal error: outlet ") + name + " is not connected");
-  }
-}
-
-TEST_F(LoginWindowDeathTest, StopsTheProgramWhereALoginNeedsAMissingOutlet) {
-  for (const char *name : {"username", "password", "window"}) {
+TEST_F(LoginWindowDeathTest, StopsTheProgramWhereTheLaunchOrALoginNeedsAMissingOutlet) {
+  const SEL launch = @selector(applicationDidFinishLaunching:), logIn = @selector(OkAction:);
+  for (const auto &[name, message] : {std::pair("MainMenu", launch),
+                                      {"window", launch},
+                                      {"OkButton", launch},
+                                      {"admin_msg", launch},
+                                      {"username_label", launch},
+                                      {"password_label", launch},
+                                      {"QuitButton", launch},
+                                      {"username", logIn},
+                                      {"password", logIn},
+                                      {"window", logIn}}) {
     EXPECT_EXIT(
         {
           acceptOnly("", "");
-          AppDelegate *delegate = launch();
+          AppDelegate *delegate = loadLogin();
           disconnect(delegate, name);
-          [delegate OkAction:nil];
+          [delegate performSelector:message withObject:launchNotification()];
         },
         testing::KilledBySignal(SIGABRT),
         std::string("fatal error: outlet ") + name + " is not connected");
@@ -282,7 +233,7 @@ TEST_F(LoginWindowDeathTest, LogsTheErrorAndKeepsItsStringsWhenTheCatalogueCanno
   EXPECT_EXIT(
       {
         AppDelegate *delegate = loadLogin();
-        const std::string before = strings(delegate);
+        const Strings before = strings(delegate);
         store("de", "", "6000");
         lockCatalogue();
         [delegate translate];

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "app/edition.h"
@@ -22,11 +21,9 @@ constexpr Language kLanguages[] = {Language::En, Language::Fr, Language::It, Lan
 constexpr const char *kLongAddress = "2001:0db8:8888:8888:8888:8888:8888:8888";
 static_assert(std::string_view(kLongAddress).size() == 39);
 
-/// The text made longer by that part of itself.
-std::string longer(const std::string &text, double part) {
-  NSString *string = app::nsString(text);
-  const auto more = static_cast<NSUInteger>(std::ceil(static_cast<double>([string length]) * part));
-  return text + app::utf8([string substringToIndex:more]);
+/// The ASCII text made longer by 40 % of itself.
+std::string longer(const std::string &text) {
+  return text + text.substr(0, static_cast<std::size_t>(std::ceil(0.4 * text.size())));
 }
 
 class Fit : public WindowTest {
@@ -36,7 +33,8 @@ class Fit : public WindowTest {
     id owner;
   };
 
-  Opened openLoginIn(const app::Edition &edition, Language lang) {
+  Opened openedLogin(const app::Edition &edition = app::kEditions[0],
+                     Language lang = Language::En) {
     becomeEdition(std::string(edition.oem));
     store(i18n::getLanguageType(lang), "", "6000");
     AppDelegate *delegate = launch();
@@ -44,7 +42,8 @@ class Fit : public WindowTest {
   }
 
   /// The language is set past the pop-up, so that each edition is seen in all five.
-  Opened openSettingsIn(const app::Edition &edition, Language lang) {
+  Opened openedSettings(const app::Edition &edition = app::kEditions[0],
+                        Language lang = Language::En) {
     becomeEdition(std::string(edition.oem));
     store("en", kLongAddress, "65535");
     ServerWindowController *controller = openSettings();
@@ -52,52 +51,18 @@ class Fit : public WindowTest {
     [controller translate];
     return {[controller window], controller};
   }
-
-  /// Calls back with both windows of each edition in each language.
-  template <class Callback>
-  void forEachWindow(Callback callback) {
-    for (const app::Edition &edition : app::kEditions) {
-      for (const Language lang : kLanguages) {
-        const std::string where =
-            std::string(edition.oem) + " in " + i18n::getLanguageType(lang) + ": ";
-        for (const bool settings : {false, true}) {
-          const Opened opened =
-              settings ? openSettingsIn(edition, lang) : openLoginIn(edition, lang);
-          callback((settings ? "settings window, " : "login window, ") + where, opened);
-          [opened.window orderOut:nil];
-        }
-      }
-    }
-  }
-
-  std::vector<std::string> allTextFindings() {
-    std::vector<std::string> all;
-    forEachWindow([&](const std::string &where, const Opened &opened) {
-      for (const std::string &line : textFindings(opened.window, opened.owner)) {
-        all.push_back(where + line);
-      }
-    });
-    return all;
-  }
 };
 
 TEST_F(Fit, EveryStringFitsInAllEditionsAndLanguages) {
-  for (const std::string &line : allTextFindings()) ADD_FAILURE() << line;
-}
-
-TEST_F(Fit, FindsStringsLengthenedBy40PercentInBothWindows) {
-  auto catalogue = nlohmann::json::parse(doubles::ScratchFolder::read(RESOURCES "/translate.json"));
-  for (auto &entry : catalogue) {
-    for (auto &group : entry) {
-      for (auto &text : group) text = longer(text.get<std::string>(), 0.4);
+  for (const app::Edition &edition : app::kEditions) {
+    for (const Language lang : kLanguages) {
+      for (const Opened &opened : {openedLogin(edition, lang), openedSettings(edition, lang)}) {
+        for (const std::string &line : textFindings(opened.window, opened.owner)) {
+          ADD_FAILURE() << edition.oem << " in " << i18n::getLanguageType(lang) << ": " << line;
+        }
+        [opened.window orderOut:nil];
+      }
     }
-  }
-  setCatalogue(catalogue.dump());
-  const std::vector<std::string> findings = allTextFindings();
-  for (const char *window : {"login window", "settings window"}) {
-    EXPECT_TRUE(std::ranges::any_of(findings, [&](const std::string &line) {
-      return line.starts_with(window);
-    })) << window;
   }
 }
 
@@ -115,8 +80,7 @@ void show(NSView *control, const std::string &text) {
 
 // Whatever the size of a control: the longest string that fits is reported when lengthened.
 TEST_F(Fit, FindsAStringLengthenedBy40PercentInEachControl) {
-  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
-                               openSettingsIn(app::kEditions[0], Language::En)}) {
+  for (const Opened &opened : {openedLogin(), openedSettings()}) {
     for (NSView *control : controlsIn(opened.window)) {
       if (![control isKindOfClass:[NSControl class]] ||
           [control isKindOfClass:[NSImageView class]] || isField(control)) {
@@ -131,7 +95,7 @@ TEST_F(Fit, FindsAStringLengthenedBy40PercentInEachControl) {
       text.pop_back();
       show(control, text);
       EXPECT_EQ(textFindings(opened.window, opened.owner).size(), 0U) << name;
-      show(control, longer(text, 0.4));
+      show(control, longer(text));
       const std::vector<std::string> findings = textFindings(opened.window, opened.owner);
       ASSERT_EQ(findings.size(), 1U) << name;
       EXPECT_EQ(findings[0].find(name + " \""), 0U) << findings[0];
@@ -142,11 +106,10 @@ TEST_F(Fit, FindsAStringLengthenedBy40PercentInEachControl) {
 }
 
 TEST_F(Fit, AnIPv6AddressFitsInTheServerFieldAndALongerValueEndsWithAnEllipsis) {
-  const id owner = openSettingsIn(app::kEditions[0], Language::En).owner;
+  const id owner = openedSettings().owner;
   NSTextField *server = outlet<NSTextField>(owner, "servername");
   EXPECT_LE([[server cell] cellSize].width, NSWidth([server frame]));
-  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
-                               openSettingsIn(app::kEditions[0], Language::En)}) {
+  for (const Opened &opened : {openedLogin(), openedSettings()}) {
     for (NSView *view : controlsIn(opened.window)) {
       const bool isText = [view isKindOfClass:[NSTextField class]];
       if (!isText && ![view isKindOfClass:[NSPopUpButton class]]) continue;
@@ -159,14 +122,13 @@ TEST_F(Fit, AnIPv6AddressFitsInTheServerFieldAndALongerValueEndsWithAnEllipsis) 
 }
 
 TEST_F(Fit, FindsAWindowTitleThatIsTooLong) {
-  const Opened login = openLoginIn(app::kEditions[0], Language::En);
+  const Opened login = openedLogin();
   [login.window setTitle:app::nsString(std::string(60, 'n'))];
   EXPECT_EQ(textFindings(login.window, login.owner).size(), 1U);
 }
 
 TEST_F(Fit, ControlsKeepTheMarginsAndTheirDistance) {
-  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
-                               openSettingsIn(app::kEditions[0], Language::En)}) {
+  for (const Opened &opened : {openedLogin(), openedSettings()}) {
     EXPECT_EQ(layoutFindings(opened.window, opened.owner), std::vector<std::string>());
     NSView *last = controlsIn(opened.window).back();
     [last setFrameOrigin:NSMakePoint(NSMinX([last frame]) - 5, NSMinY([last frame]) - 1)];
@@ -193,51 +155,47 @@ void checkAlignment(id owner, const std::vector<Row> &rows) {
 }
 
 TEST_F(Fit, LabelsAndFieldsAreAlignedAndEachRowHasOneMiddle) {
-  checkAlignment(openLoginIn(app::kEditions[0], Language::En).owner,
+  checkAlignment(openedLogin().owner,
                  {{"username_label", "username"}, {"password_label", "password"}});
-  checkAlignment(openSettingsIn(app::kEditions[0], Language::En).owner,
-                 {{"language_label", "selectLanguage"},
-                  {"server_label", "mode", "servername"},
-                  {"port_label", "port"},
-                  {"testChoice", "TestButton", "testStatus"},
-                  {"reset_settings"},
-                  {"MDM_profile"}});
-}
-
-/// How far two controls of a row are apart, as the user sees them.
-CGFloat gap(id owner, const char *left, const char *right) {
-  return NSMinX(visibleFrame(outlet<NSView>(owner, right))) -
-         NSMaxX(visibleFrame(outlet<NSView>(owner, left)));
+  checkAlignment(openedSettings().owner, {{"language_label", "selectLanguage"},
+                                          {"server_label", "mode", "servername"},
+                                          {"port_label", "port"},
+                                          {"testChoice", "TestButton", "testStatus"},
+                                          {"reset_settings"},
+                                          {"MDM_profile"}});
 }
 
 TEST_F(Fit, ButtonsAre12PointsApart) {
-  EXPECT_EQ(gap(openLoginIn(app::kEditions[0], Language::En).owner, "QuitButton", "OkButton"), 12);
-  EXPECT_EQ(
-      gap(openSettingsIn(app::kEditions[0], Language::En).owner, "Quit_button", "Apply_button"),
-      12);
+  const auto gap = [](const Opened &opened, const char *left, const char *right) {
+    return NSMinX(visibleFrame(outlet<NSView>(opened.owner, right))) -
+           NSMaxX(visibleFrame(outlet<NSView>(opened.owner, left)));
+  };
+  EXPECT_EQ(gap(openedLogin(), "QuitButton", "OkButton"), 12);
+  EXPECT_EQ(gap(openedSettings(), "Quit_button", "Apply_button"), 12);
 }
 
 // Text of 13 points shares a baseline when a label's frame of 17 points begins that far above the
 // frame of a field of 22 points or of a pop-up button of 25.
 TEST_F(Fit, LabelsAreOnTheBaselinesOfTheirControls) {
   constexpr CGFloat kAboveField = 2, kAbovePopUp = 5;
-  const auto above = [](id owner, const char *label, const char *control) {
-    return NSMinY([outlet<NSView>(owner, label) frame]) -
-           NSMinY([outlet<NSView>(owner, control) frame]);
-  };
-  id owner = openLoginIn(app::kEditions[0], Language::En).owner;
-  EXPECT_EQ(above(owner, "username_label", "username"), kAboveField);
-  EXPECT_EQ(above(owner, "password_label", "password"), kAboveField);
-  owner = openSettingsIn(app::kEditions[0], Language::En).owner;
-  EXPECT_EQ(above(owner, "language_label", "selectLanguage"), kAbovePopUp);
-  EXPECT_EQ(above(owner, "server_label", "mode"), kAbovePopUp);
-  EXPECT_EQ(above(owner, "server_label", "servername"), kAboveField);
-  EXPECT_EQ(above(owner, "port_label", "port"), kAboveField);
+  const id login = openedLogin().owner, settings = openedSettings().owner;
+  const std::tuple<id, const char *, const char *, CGFloat> rows[] = {
+      {login, "username_label", "username", kAboveField},
+      {login, "password_label", "password", kAboveField},
+      {settings, "language_label", "selectLanguage", kAbovePopUp},
+      {settings, "server_label", "mode", kAbovePopUp},
+      {settings, "server_label", "servername", kAboveField},
+      {settings, "port_label", "port", kAboveField}};
+  for (const auto &[owner, label, control, above] : rows) {
+    EXPECT_EQ(NSMinY([outlet<NSView>(owner, label) frame]),
+              NSMinY([outlet<NSView>(owner, control) frame]) + above)
+        << control;
+  }
 }
 
 // A click next to the title must not toggle an option that deletes files.
 TEST_F(Fit, TheResetCheckBoxEndsWithItsTitleInEachLanguage) {
-  const Opened opened = openSettingsIn(app::kEditions[0], Language::En);
+  const Opened opened = openedSettings();
   NSButton *checkBox = outlet<NSButton>(opened.owner, "reset_settings");
   const NSRect other = [outlet<NSButton>(opened.owner, "MDM_profile") frame];
   for (const Language lang : kLanguages) {
@@ -255,7 +213,7 @@ TEST_F(Fit, TheResetCheckBoxEndsWithItsTitleInEachLanguage) {
 
 TEST_F(Fit, TitlesOfPopUpsAreAlignedAlsoWhereOneLanguageIsOffered) {
   for (const app::Edition &edition : app::kEditions) {
-    const id owner = openSettingsIn(edition, Language::En).owner;
+    const id owner = openedSettings(edition).owner;
     std::set<CGFloat> starts;
     for (const char *name : {"selectLanguage", "mode", "testChoice"}) {
       NSPopUpButton *popUp = outlet<NSPopUpButton>(owner, name);
@@ -267,20 +225,9 @@ TEST_F(Fit, TitlesOfPopUpsAreAlignedAlsoWhereOneLanguageIsOffered) {
 }
 
 TEST_F(Fit, TheHeadingIsBold) {
-  const id owner = openSettingsIn(app::kEditions[0], Language::En).owner;
+  const id owner = openedSettings().owner;
   NSFont *font = [outlet<NSTextFieldCell>(owner, "setting_label") font];
   EXPECT_TRUE([[NSFontManager sharedFontManager] traitsOfFont:font] & NSBoldFontMask);
-}
-
-TEST_F(Fit, WindowsHaveAFixedSizeAndOpenInTheMiddleOfTheScreen) {
-  for (const Opened &opened : {openLoginIn(app::kEditions[0], Language::En),
-                               openSettingsIn(app::kEditions[0], Language::En)}) {
-    // Closed, it would leave a program without a window.
-    EXPECT_EQ([opened.window styleMask], NSWindowStyleMaskTitled);
-    const NSRect screen = [[NSScreen mainScreen] frame];
-    EXPECT_TRUE(NSContainsRect(screen, [opened.window frame]));
-    EXPECT_NEAR(NSMidX([opened.window frame]), NSMidX(screen), 1);
-  }
 }
 
 void collectFields(NSView *view, std::vector<NSTextField *> &fields) {

@@ -70,11 +70,11 @@ std::string buttonTitle(id owner, const char *name);
 std::string itemTitles(id owner, const char *popUp);
 void type(id owner, const char *field, const std::string &text);
 
-/// The event of the Return key in that window.
-NSEvent *returnKey(NSWindow *window);
+/// A key pressed in that window.
+NSEvent *keyEvent(NSWindow *window, const std::string &key, NSUInteger modifiers = 0);
 
-/// Presses Return in the window as the keyboard would.
-void pressReturn(NSWindow *window);
+/// Presses the key as the keyboard would; whether the window did something with it.
+bool press(NSWindow *window, const std::string &key, NSUInteger modifiers = 0);
 
 /// Removes a resource from the test program's own bundle while it lives.
 class MissingResource {

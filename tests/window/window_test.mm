@@ -136,20 +136,22 @@ void type(id owner, const char *field, const std::string &text) {
   [outlet<NSTextField>(owner, field) setStringValue:app::nsString(text)];
 }
 
-NSEvent *returnKey(NSWindow *window) {
+NSEvent *keyEvent(NSWindow *window, const std::string &key, NSUInteger modifiers) {
   return [NSEvent keyEventWithType:NSEventTypeKeyDown
                           location:NSZeroPoint
-                     modifierFlags:0
+                     modifierFlags:modifiers
                          timestamp:0
                       windowNumber:[window windowNumber]
                            context:nil
-                        characters:@"\r"
-       charactersIgnoringModifiers:@"\r"
+                        characters:app::nsString(key)
+       charactersIgnoringModifiers:app::nsString(key)
                          isARepeat:NO
-                           keyCode:36];
+                           keyCode:0];
 }
 
-void pressReturn(NSWindow *window) { EXPECT_TRUE([window performKeyEquivalent:returnKey(window)]); }
+bool press(NSWindow *window, const std::string &key, NSUInteger modifiers) {
+  return [window performKeyEquivalent:keyEvent(window, key, modifiers)];
+}
 
 void runAndSend(id target, SEL message, id argument) {
   [target performSelector:message withObject:argument afterDelay:0];
