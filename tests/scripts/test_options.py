@@ -291,3 +291,18 @@ def test_commands_in_the_documents_exist_with_their_options(document: str) -> No
         assert script in SCRIPTS, f"{document} shows {script}"
         for option in re.findall(r" (--\w[\w-]*)", arguments.split(" -- ")[0]):
             assert option in call(script, "--help").stdout, f"{document} shows {script} {option}"
+
+
+def commands_for_one_test() -> list[str]:
+    """Those of CONTRIBUTING.md; the last needs a build of script/fuzz."""
+    text = (REPOSITORY / "CONTRIBUTING.md").read_text()
+    *commands, _ = text.split("To run one test alone")[1].split("```")[1].splitlines()[1:]
+    return commands
+
+
+@pytest.mark.parametrize("command", commands_for_one_test())
+def test_a_documented_command_for_one_test_finds_a_test(command: str) -> None:
+    listing = "--collect-only" if "pytest" in command else "--gtest_list_tests"
+    result = run("/bin/bash", "-c", f"{command} {listing}", cwd=REPOSITORY)
+    assert result.returncode == 0, result.stdout + result.stderr
+    assert re.search(r"^  \w|::\w|<Function", result.stdout, re.MULTILINE), result.stdout
