@@ -24,7 +24,6 @@ exports:
     symbols: [ '_other' ]
 ...
 """
-OEM = 'PRIVATE "BUILD_OEM=\\"Zentavo\\"")'
 
 
 @dataclass(frozen=True)
@@ -96,10 +95,6 @@ LINKED = [
           edits=[(CODE, PRESS, "- (void)pressTwice {\n}\n\n" + PRESS)]),
     Break("a name of the development system", {"MacOS/Zentavo Configuration Utility: holds GNUstep": 1},
           '[field setStringValue:@"in GNUstep"];'),
-    Break("another edition in the program", {"is built for ['Fennrow']": 2},
-          edits=[(BUILD, f"(sample_objects {OEM}", f"(sample_objects {OEM}".replace("Zentavo", "Fennrow"))]),
-    Break("another edition in the tool", {"is built for ['Tollwick']": 2},
-          edits=[(BUILD, f"(tool_objects {OEM}", f"(tool_objects {OEM}".replace("Zentavo", "Tollwick"))]),
     Break("rows that nothing uses", {"nothing uses extern void NSBeep(void);": 1,
                                      "nothing uses static inline int NSTwice(int n)": 1,
                                      "nothing uses static const int NSOne": 1},

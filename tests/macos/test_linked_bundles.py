@@ -51,9 +51,12 @@ def test_two_bundles_with_the_same_identifier_are_found(
     assert list(checks(sample.source, sample, rows, bundle, other).check_identifiers()) == []
 
 
-def test_an_edition_without_a_bundle_is_found(sample: Sample, rows: list[api.Row], bundle: Path) -> None:
-    assert list(checks(ROOT, sample, rows, bundle).check_editions()) == [
-        f"{name} Configuration Utility: no bundle" for name in ("Fennrow", "Oskel", "Tollwick")]
+def test_an_edition_without_a_bundle_and_a_bundle_without_an_edition_are_found(
+        sample: Sample, rows: list[api.Row], bundle: Path) -> None:
+    other = checks(ROOT, sample, rows, bundle)
+    other.bundles[0].title = "Other"
+    assert list(other.check_editions()) == ["Other: no edition"] + [
+        f"{name} Configuration Utility: no bundle" for name in ("Fennrow", "Oskel", "Tollwick", "Zentavo")]
 
 
 def test_a_symbol_listed_for_another_library_is_found(

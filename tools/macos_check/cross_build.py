@@ -106,14 +106,6 @@ class CrossBuild:
             macho.tool("lipo", "-create", "-output", universal / inside,
                        *(self.tree(a) / "apps" / bundle.name / inside for a in ARCHITECTURES))
 
-    def oems(self, architecture: str, bundle: str, executable: str) -> list[str]:
-        """The editions for which the objects of an executable are compiled."""
-        def commands(*files: str) -> str:
-            return run("ninja", "-C", self.tree(architecture), "-t", "commands", "-s", *files)
-
-        objects = re.findall(r"\S+\.o\b", commands(f"apps/{bundle}/Contents/MacOS/{executable}"))
-        return sorted(set(re.findall(r"-DBUILD_OEM=\W*(\w+)", commands(*objects))))
-
     def sources(self) -> str:
         """The text of every file in a folder of the program's compiled sources."""
         commands = json.loads((self.tree("arm64") / "compile_commands.json").read_text())

@@ -1,7 +1,5 @@
 #import "app/Sample.h"
 
-#include "app/build_edition.h"
-
 @implementation Sample
 
 - (void)applicationDidFinishLaunching:(NSNotification *)notification {
@@ -16,5 +14,5 @@
 
 int main(int argc, const char *argv[]) {
   [[NSApplication sharedApplication] setDelegate:[[Sample alloc] init]];
-  return app::buildEdition().initialLanguageItem + NSApplicationMain(argc, argv);
+  return NSApplicationMain(argc, argv);
 }
