@@ -2,7 +2,8 @@
 
 A file includes only headers of lower layers: never of its own, never of a higher one. The table
 names every header of the product, and those sources that have no header of their own. Any other
-source belongs to the layer of its header: Name.h for Name.cpp, Name.mm and Name+Category.mm.
+source belongs to the layer of its header: Name.h for Name.cpp, Name.mm and Name+Category.mm. The
+document also names every Objective-C++ source.
 """
 
 import re
@@ -14,6 +15,7 @@ TABLE = Path("docs/architecture.md")
 FOLDERS = ("app", "settings", "agent", "i18n", "cli")
 ROW = re.compile(r"^\| *\d+ *\|")
 ENTRY = re.compile(r"`(\w+/[\w+]+\.(?:h|cpp|mm))`( \(Objective-C\))?")
+OBJECTIVE_CPP = re.compile(r"`(\w+/[\w+*]+\.mm)`")
 INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*([<"])([^">]+)[">]', re.MULTILINE)
 IMPORT = re.compile(r"^\s*#\s*import\b", re.MULTILINE)
 
@@ -73,7 +75,8 @@ def check_header(path: str, text: str, table: dict[str, Entry]) -> list[str]:
 
 def check(root: Path) -> list[str]:
     """Every finding in the tree at `root`."""
-    table = read_table((root / TABLE).read_text(encoding="utf-8"))
+    document = (root / TABLE).read_text(encoding="utf-8")
+    table = read_table(document)
     if not table:
         return [f"{TABLE}: has no layer table"]
     findings = [f"{TABLE}: lists {path}, which does not exist"
@@ -83,6 +86,8 @@ def check(root: Path) -> list[str]:
             path = file.relative_to(root).as_posix()
             if file.suffix not in (".h", ".cpp", ".mm"):
                 continue
+            if file.suffix == ".mm" and not any(map(file.match, OBJECTIVE_CPP.findall(document))):
+                findings.append(f"{TABLE}: does not name {path}")
             text = file.read_text(encoding="utf-8")
             if file.suffix == ".h":
                 findings += check_header(path, text, table)

@@ -71,7 +71,7 @@ class AppleTools:
                             "PATH": f"{self.bin}:{os.environ['PATH']}"}
 
     def calls(self, tool: str | None = None) -> list[list[str]]:
-        """How the tools, or one of them, have been called since the last look."""
+        """How the tools, or one of them, have been called since forget_calls()."""
         file = self.folder / "calls"
         lines = file.read_text(encoding="utf-8").splitlines() if file.exists() else []
         calls = [json.loads(line) for line in lines]

@@ -13,6 +13,8 @@ TABLE = """
 | 2 | window | `app/Window.h` (Objective-C) |
 | 3 | operations | `agent/jobs.h`, `agent/plist.h` |
 | 4 | mechanism | `agent/shell.h` |
+
+| `app/main.mm`, `app/Window*.mm`, `agent/Window+Jobs.mm` | windows |
 """
 SOURCES = {
     "docs/architecture.md": TABLE,
@@ -57,6 +59,7 @@ def test_a_tree_that_follows_the_table_has_no_finding(tree: Path) -> None:
     ("cli/new.h", "", "cli/new.h: is not in the layer table"),
     ("agent/new.cpp", "",
      "agent/new.cpp: is not in the layer table and has no header that is"),
+    ("agent/jobs.mm", "", "docs/architecture.md: does not name agent/jobs.mm"),
     ("agent/jobs.h", "#import <Foundation/Foundation.h>",
      "agent/jobs.h: is not plain C++, as the layer table states"),
 ])
