@@ -10,6 +10,7 @@ from contextlib import contextmanager
 from pathlib import Path
 
 import pytest
+from cross_build import CrossBuild
 
 ROOT = Path(__file__).resolve().parents[2]
 TITLE = "Zentavo Configuration Utility"
@@ -17,7 +18,6 @@ SAMPLE = Path(__file__).with_name("sample")
 APPLE_TOOL = Path(__file__).with_name("apple_tools") / "apple_tool.py"
 APPLE_TOOLS = ("codesign", "hdiutil", "ibtool", "lipo", "otool", "pkgbuild", "pkgutil", "plutil",
                "productbuild", "security", "sleep", "spctl", "sw_vers", "uname", "xcodebuild", "xcrun")
-sys.path.insert(0, str(ROOT / "tools/macos_check"))
 
 
 class Sample:
@@ -108,20 +108,14 @@ class Mac:
     def __init__(self, sample: Sample, folder: Path) -> None:
         self.tools, self.tree = AppleTools(folder / "tools"), folder / "tree"
         self.bundle = self.tree / "apps" / f"{TITLE}.app"
-        self.built_headers = sample.build
+        self.cross_build = CrossBuild(sample.source, sample.build, [], [])
         self.configure(sample.source, self.tree)
         (self.tree / "editions.tsv").write_text("sample\tSample\n")
         self.build()
         self.first_calls = self.tools.calls()
 
     def configure(self, source: Path, tree: Path, *options: str) -> None:
-        compiler = ROOT / "platform/macos/toolchain/c++"
-        self.run("cmake", "-S", source, "-B", tree, "-G", "Ninja",
-                 f"-DCMAKE_TOOLCHAIN_FILE={ROOT / 'platform/macos/toolchain.cmake'}",
-                 f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_OBJCXX_COMPILER={compiler}",
-                 "-DMAC_ARCHITECTURE=arm64", f"-DMAC_API={self.built_headers / 'api'}",
-                 f"-DGTest_DIR={ROOT / 'tools/macos_check/test_headers'}",
-                 f"-DMAC_TEST_HEADERS={self.built_headers / 'test-headers'}",
+        self.run("cmake", "-S", source, "-B", tree, *self.cross_build.options("arm64"),
                  f"-DIBTOOL={self.tools.bin / 'ibtool'}", f"-DCODESIGN={self.tools.bin / 'codesign'}",
                  "-DMAC_SIGNING_IDENTITY=Developer ID Application: Sample", *options)
 

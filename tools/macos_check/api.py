@@ -156,26 +156,15 @@ def declarations(rows: Sequence[Row]) -> list[str]:
     return lines + (["@end"] if open_block else [])
 
 
-def audited(dylib: str, lines: list[str]) -> list[str]:
-    """The declarations of a library, which may state nullability for every pointer."""
-    if dylib not in AUDITED:
-        return lines
-    return ["#pragma clang assume_nonnull begin", *lines, "#pragma clang assume_nonnull end"]
-
-
-def header(dylib: str, rows: Sequence[Row]) -> str:
-    """The text of the library's header."""
-    mine = [r for r in rows if r.dylib == dylib]
-    classes = [r.name for r in mine if r.kind == "interface" and not r.extends]
-    lines = ["#pragma once", *(f"#import <{name}>" for name in IMPORTS[dylib])]
-    lines += [f"@class {name};" for name in classes]
-    return "\n".join(lines + audited(dylib, declarations(mine))) + "\n"
-
-
-def test_header(rows: Sequence[Row]) -> str:
-    """The text of the header that declares what only the tests call."""
-    lines = ["#pragma once", "#import <AppKit/AppKit.h>"]
-    lines += audited("AppKit", declarations(rows))
+def header(imports: Sequence[str], rows: Sequence[Row], nullability: bool) -> str:
+    """The text of a header with these rows, which state nullability or not."""
+    classes = [r.name for r in rows if r.kind == "interface" and not r.extends]
+    lines = ["#pragma once", *(f"#import <{name}>" for name in imports), *(f"@class {c};" for c in classes)]
+    if nullability:
+        lines.append("#pragma clang assume_nonnull begin")
+    lines += declarations(rows)
+    if nullability:
+        lines.append("#pragma clang assume_nonnull end")
     return "\n".join(lines) + "\n"
 
 
@@ -204,12 +193,15 @@ def place(folder: Path, dylib: str, rows: Sequence[Row]) -> Path:
     return path.with_name(f"{dylib}.tbd")
 
 
-def write_headers(folder: Path, rows: Sequence[Row]) -> None:
+def write_headers(folder: Path, rows: Sequence[Row], test_rows: Sequence[Row]) -> None:
+    """The headers of the libraries, and the one that declares what only the tests call."""
+    write(folder / "macos_test_api.h", header(["AppKit/AppKit.h"], test_rows, nullability=True))
     for dylib in IMPORTS:
         if dylib in install_names(rows):
             framework = place(folder, dylib, rows).parent / "Headers" / f"{dylib}.h"
             file = folder / "usr/include/objc/NSObject.h" if dylib == "libobjc" else framework
-            write(file, header(dylib, rows))
+            mine = [r for r in rows if r.dylib == dylib]
+            write(file, header(IMPORTS[dylib], mine, dylib in AUDITED))
 
 
 def write_stubs(folder: Path, rows: Sequence[Row], wanted: Sequence[str] = ()) -> None:

@@ -34,10 +34,6 @@ QUOTED = r'"((?:[^"\\]|\\.)*)"'
 STRING = re.compile(rf"\s*(?:/\*.*?\*/\s*)*{QUOTED}\s*=\s*{QUOTED}\s*;", re.DOTALL)
 
 
-class NotParsed(Exception):
-    """The file is not what its name says."""
-
-
 class BundleFiles:
     """A bundle, and the sources that say what belongs into it."""
 
@@ -50,7 +46,7 @@ class BundleFiles:
         """Empty where there is none that can be read."""
         try:
             found = plistlib.loads((self.contents / "Info.plist").read_bytes())
-        except (OSError, ValueError, ExpatError, plistlib.InvalidFileException):
+        except (OSError, ValueError, ExpatError):
             return {}
         return found if isinstance(found, dict) else {}
 
@@ -65,7 +61,7 @@ class BundleFiles:
             found[match.group(1)] = match.group(2)
             at = match.end()
         if text[at:].strip():
-            raise NotParsed(f"line {text.count(chr(10), 0, at) + 1}")
+            raise ValueError(f"line {text.count(chr(10), 0, at) + 1}")
         return found
 
     def files(self) -> list[str]:
@@ -116,7 +112,7 @@ def strings_agree(bundle: BundleFiles) -> Iterator[str]:
     for language in bundle.languages():
         try:
             translated[language] = bundle.strings(language)
-        except (OSError, UnicodeDecodeError, NotParsed) as error:
+        except (OSError, ValueError) as error:
             yield f"{language}.lproj/InfoPlist.strings cannot be read: {error}"
     keys = set().union(*(t.keys() for t in translated.values()))
     for language, strings in translated.items():

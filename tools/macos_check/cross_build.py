@@ -12,7 +12,7 @@ import macho
 
 ROOT = Path(__file__).resolve().parents[2]
 ARCHITECTURES = ("arm64", "x86_64")
-COMPILER = ROOT / "platform/macos/toolchain/c++"
+TOOLCHAIN = ROOT / "platform/macos/toolchain.cmake"
 TEST_HEADERS = ("gtest", "gmock", "nlohmann")
 
 
@@ -46,8 +46,7 @@ class CrossBuild:
         return self.folder / architecture
 
     def configure(self) -> None:
-        api.write_headers(self.api_folder, self.rows)
-        api.write(self.api_folder / "macos_test_api.h", api.test_header(self.test_rows))
+        api.write_headers(self.api_folder, self.rows, self.test_rows)
         # Only these: the folder that Debian has them in also holds its own C library's headers.
         self.test_headers.mkdir(parents=True, exist_ok=True)
         for name in TEST_HEADERS:
@@ -56,16 +55,19 @@ class CrossBuild:
         for architecture in ARCHITECTURES:
             self.configure_tree(architecture)
 
-    def configure_tree(self, architecture: str) -> None:
-        tree, toolchain = self.tree(architecture), ROOT / "platform/macos/toolchain.cmake"
-        cache = tree / "CMakeCache.txt"
-        if not cache.exists() or cache.stat().st_mtime < toolchain.stat().st_mtime:
-            run("cmake", "--fresh", "-S", self.source, "-B", tree, "-G", "Ninja",
-                "-DCMAKE_BUILD_TYPE=Release", f"-DCMAKE_TOOLCHAIN_FILE={toolchain}",
-                f"-DCMAKE_CXX_COMPILER={COMPILER}", f"-DCMAKE_OBJCXX_COMPILER={COMPILER}",
+    def options(self, architecture: str) -> list[str]:
+        """How CMake is told to compile for macOS."""
+        return ["-G", "Ninja", f"-DCMAKE_TOOLCHAIN_FILE={TOOLCHAIN}",
                 f"-DMAC_ARCHITECTURE={architecture}", f"-DMAC_API={self.api_folder}",
                 f"-DGTest_DIR={Path(__file__).with_name('test_headers')}",
-                f"-DMAC_TEST_HEADERS={self.test_headers}")
+                f"-DMAC_TEST_HEADERS={self.test_headers}"]
+
+    def configure_tree(self, architecture: str) -> None:
+        tree = self.tree(architecture)
+        cache = tree / "CMakeCache.txt"
+        if not cache.exists() or cache.stat().st_mtime < TOOLCHAIN.stat().st_mtime:
+            run("cmake", "--fresh", "-S", self.source, "-B", tree, "-DCMAKE_BUILD_TYPE=Release",
+                *self.options(architecture))
         run("ninja", "-C", tree, "build.ninja")
 
     def objects(self, architecture: str, of_tests: bool) -> list[str]:
