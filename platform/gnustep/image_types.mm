@@ -10,16 +10,7 @@
 
 @implementation GSImageMagickImageRep (NoImageTypes)
 
-+ (BOOL)canInitWithData:(NSData *)data {
-  (void)data;
-  return NO;
-}
-
 + (NSArray *)imageUnfilteredFileTypes {
-  return [NSArray array];
-}
-
-+ (NSArray *)imageUnfilteredPasteboardTypes {
   return [NSArray array];
 }
 

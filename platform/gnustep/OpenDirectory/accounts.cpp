@@ -4,11 +4,9 @@
 #include <pwd.h>
 #include <security/pam_appl.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <vector>
 
 namespace platform {
 namespace {
@@ -28,18 +26,6 @@ const Entry *find(std::string_view name, Entry *(*function)(const char *),
 
 const passwd *findUser(std::string_view name) { return find(name, getpwnam, &passwd::pw_name); }
 const group *findGroup(std::string_view name) { return find(name, getgrnam, &group::gr_name); }
-
-/// All groups of a user, the primary one included.
-std::vector<gid_t> groupsForUser(const passwd &user) {
-  std::vector<gid_t> groups(64);
-  int count = static_cast<int>(groups.size());
-  while (getgrouplist(user.pw_name, user.pw_gid, groups.data(), &count) < 0) {
-    groups.resize(std::max(groups.size() * 2, static_cast<std::size_t>(count)));
-    count = static_cast<int>(groups.size());
-  }
-  groups.resize(static_cast<std::size_t>(count));
-  return groups;
-}
 
 // MARK: PAM
 
@@ -97,9 +83,10 @@ bool isMember(std::string_view user, std::string_view group) noexcept {
   const struct group *groupEntry = findGroup(group);
   const passwd *userEntry = findUser(user);
   if (groupEntry == nullptr || userEntry == nullptr) return false;
-  const gid_t id = groupEntry->gr_gid;  // the next look-up may overwrite the entry
-  const std::vector<gid_t> groups = groupsForUser(*userEntry);
-  return std::find(groups.begin(), groups.end(), id) != groups.end();
+  for (char **member = groupEntry->gr_mem; *member != nullptr; ++member) {
+    if (user == *member) return true;
+  }
+  return userEntry->pw_gid == groupEntry->gr_gid;
 }
 
 bool verifyPassword(std::string_view user, std::string_view password) noexcept {

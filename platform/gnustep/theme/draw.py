@@ -208,7 +208,6 @@ IMAGES = [
     ("common_2DCheckMarkH", 10, 11, menu_mark("#ffffff")),
     ("GSMenuMixed", 10, 11, f'<path d="M 1.5 5.5 h 7" stroke="{TEXT}" stroke-width="1.6"/>'),
     ("GSMenuArrow", 8, 10, arrow("M 2 1 l 4 4 l -4 4 z", TEXT)),
-    ("common_3DArrowRightH", 8, 10, arrow("M 2 1 l 4 4 l -4 4 z", "#ffffff")),
     ("common_3DArrowLeft", 8, 10, arrow("M 6 1 l -4 4 l 4 4 z", TEXT)),
     ("common_3DArrowUp", 10, 8, arrow("M 1 6 l 4 -4 l 4 4 z", TEXT)),
     ("common_3DArrowDown", 10, 8, arrow("M 1 2 l 4 4 l 4 -4 z", TEXT)),
