@@ -7,7 +7,9 @@ from typing import NamedTuple
 
 from expected_commands import (
     ALICE,
+    FAILED,
     RESET_FILES,
+    SAID,
     Operation,
     check_agent,
     check_daemon,
@@ -21,7 +23,6 @@ from expected_commands import (
 from driver.commands import run
 from driver.editions import EDITIONS
 from driver.machine import AGENT, DAEMON, Account, Command, Job
-from status_messages import FAILED, SAID
 
 DAEMON_SETTINGS = "daemon.settings.xml"
 LANGUAGE = "en_US.UTF-8"

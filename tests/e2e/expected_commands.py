@@ -1,5 +1,5 @@
-"""The commands that the program is expected to run, word for word, as the journal shows them, and the
-file that it is expected to write."""
+"""The commands that the program is expected to run, word for word, as the journal shows them, the file
+that it is expected to write, and what it prints on Apply."""
 
 from collections.abc import Callable, Collection
 from typing import Any
@@ -69,6 +69,9 @@ def profile_check(runner: str, admin: Account, edition: Edition) -> list[Command
     ]
     grep = Command(runner, ("grep", edition.profile))
     return [*(steps if runner == admin.name else steps[:3]), grep]
+
+
+LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])
 
 
 def console_lookup(runner: str, console: Account) -> list[Command]:
@@ -190,3 +193,25 @@ def server_plist(language: str, server: str, port: str, profile: bool) -> bytes:
         <{"true" if profile else "false"}/>
     </dict>
     </plist>""".encode()
+
+
+SAID: dict[Operation, str] = {
+    stop_agent: "Global Agent stop successfully.",
+    stop_daemon: "Global Daemon stops successfully.",
+    start_daemon: "Global Daemon starts successfully.",
+    start_agent: "Global Agent starts successfully.",
+}
+FAILED: dict[Operation, str] = {
+    stop_agent: "Global Agent failed to stop.",
+    stop_daemon: "Global Daemon failed to stop.",
+    start_daemon: "Global Daemon failed to start.",
+    start_agent: "Global Agent failed to start.",
+}
+WRITE_ERROR = (
+    r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} "
+    r"unable to write in /Library/Preferences/ZentavoAgent/server\.plist with error (.*)\n"
+)
+
+
+def said(*operations: Operation) -> list[str]:
+    return [SAID[operation] for operation in operations]

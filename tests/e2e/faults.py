@@ -11,8 +11,7 @@ from driver.editions import EDITIONS
 from driver.machine import AGENT, DAEMON, PREFERENCES, SERVER_PLIST, STATE, Command, Machine
 from driver.program import Program
 from driver.waiting import wait_until
-from expected_commands import ALICE, server_plist
-from status_messages import WRITE_ERROR
+from expected_commands import ALICE, WRITE_ERROR, server_plist
 
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
 NEW = server_plist("fr", "192.0.2.1", "4000", False)

@@ -13,20 +13,23 @@ from driver.machine import ACCOUNTS, AGENT, DAEMON, PREFERENCES, SERVER_PLIST, M
 from driver.program import Program
 from expected_commands import (
     ALICE,
+    FAILED,
+    LOGIN,
     RESET_FILES,
     STOPS,
+    WRITE_ERROR,
     apply_by_alice,
     check_agent,
     check_daemon,
     console_lookup,
     profile_check,
+    said,
     server_plist,
     start_agent,
     start_daemon,
     stop_agent,
     stop_daemon,
 )
-from status_messages import FAILED, WRITE_ERROR, said
 
 Start = Callable[..., Program]
 OLD = server_plist("fr", "192.0.2.1", "4000", True)
@@ -45,9 +48,6 @@ def apply_once(start: Start, reset: bool = False, **options: Any) -> Program:
     assert program.wait() == 0
     assert [file.name for file in PREFERENCES.iterdir()] in ([], ["server.plist"])
     return program
-
-
-LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])
 
 
 @pytest.fixture(autouse=True)

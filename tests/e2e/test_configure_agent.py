@@ -23,11 +23,11 @@ from expected_commands import (
     RESET_FILES,
     STARTS,
     Operation,
+    said,
     server_plist,
     stop_agent,
     stop_daemon,
 )
-from status_messages import said
 from tool import (
     APPLY,
     BOTH,

@@ -4,13 +4,11 @@ have the whole table of input."""
 from collections.abc import Callable
 
 import pytest
-from driver.editions import EDITIONS
 from driver.machine import SERVER_PLIST, Command, Machine, listen
 from driver.program import Program, Window
-from expected_commands import ALICE, ping, port_test, profile_check, server_plist
+from expected_commands import LOGIN, ping, port_test, server_plist
 
 OpenSettings = Callable[..., tuple[Program, Window]]
-LOGIN = profile_check("alice", ALICE, EDITIONS["Zentavo"])
 PING, PORT = 0, 1
 IP_ADDRESS, HOST_NAME = 0, 1
 
