@@ -11,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -19,6 +20,7 @@
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -139,14 +141,7 @@ std::string bytesFromHex(std::string_view digits) {
   return bytes;
 }
 
-void printError(const std::string &text) {
-  size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t length = write(STDERR_FILENO, text.data() + done, text.size() - done);
-    if (length < 0 && errno != EINTR) return;
-    if (length > 0) done += static_cast<size_t>(length);
-  }
-}
+void printError(const std::string &text) { fwrite(text.data(), 1, text.size(), stderr); }
 
 void perform(std::string_view action) {
   const std::string_view verb = takeField(action, '=');
@@ -159,12 +154,8 @@ void perform(std::string_view action) {
     sigprocmask(SIG_UNBLOCK, &all, nullptr);
     kill(getpid(), number(action));
   } else if (verb == "delay") {
-    const double seconds = strtod(std::string(action).c_str(), nullptr);
-    timespec rest;
-    rest.tv_sec = static_cast<time_t>(seconds);
-    rest.tv_nsec = static_cast<long>((seconds - static_cast<double>(rest.tv_sec)) * 1e9);
-    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
-    }
+    const std::chrono::duration<double> seconds(strtod(std::string(action).c_str(), nullptr));
+    std::this_thread::sleep_for(seconds);
   } else if (verb == "stderr") {
     printError(std::string(static_cast<size_t>(number(action)), 'e'));
   } else if (verb == "prints") {

@@ -2,7 +2,6 @@
 
 import argparse
 import subprocess
-import sys
 import tempfile
 from pathlib import Path
 
@@ -13,11 +12,10 @@ from driver.machine import ACCOUNTS, Machine
 from driver.program import Program
 
 LANGUAGES = max((edition.languages for edition in EDITIONS.values()), key=len)
-TOTAL = sum(len(LANGUAGES) + len(edition.languages) + 1 for edition in EDITIONS.values())
 
 
 class Pictures:
-    """Takes the pictures, one after the other, and counts them on a terminal."""
+    """Takes the pictures, one after the other."""
 
     def __init__(self, folder: Path, scratch: Path):
         self._folder, self._scratch = folder, scratch
@@ -32,8 +30,6 @@ class Pictures:
         file = self._folder / f"{edition.name.lower()}-{name}.png"
         self._display.save_picture(window, file)
         self.files.append(file)
-        if sys.stderr.isatty():
-            print(f"\r{len(self.files)} of {TOTAL} pictures", end="", file=sys.stderr, flush=True)
 
     def windows(self, edition: Edition, language: str) -> None:
         """The login window and, in the languages of the edition, the settings window."""
@@ -96,8 +92,6 @@ def main() -> None:
                 pictures.refusal(edition)
         finally:
             pictures.close()
-            if sys.stderr.isatty():
-                print(file=sys.stderr)
     sheet = folder / "contact-sheet.png"
     contact_sheet(pictures.files, sheet)
     subprocess.run(["optipng", "-quiet", "-strip", "all", *pictures.files, sheet], check=True)

@@ -32,8 +32,7 @@ class FramedDisplay(Display):
         super().close()
 
     def _output(self, *command: str) -> bytes:
-        result = subprocess.run(command, env=self.environment, capture_output=True, check=False)
-        return result.stdout
+        return subprocess.run(command, env=self.environment, capture_output=True, check=False).stdout
 
     def geometry(self, window: str) -> Geometry | None:
         """Within a frame, where xdotool counts the frame twice."""

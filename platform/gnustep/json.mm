@@ -14,8 +14,6 @@
 #include <string>
 #include <string_view>
 
-NSErrorUserInfoKey const NSDebugDescriptionErrorKey = @"NSDebugDescription";
-
 namespace {
 
 /// As deep as macOS's parser goes.
@@ -158,9 +156,8 @@ NSString *parse(std::string_view text, ObjectBuilder &builder) {
 
 id fail(NSError **error, NSString *description) {
   if (error != nullptr) {
-    NSDictionary *info =
-        [NSDictionary dictionaryWithObjectsAndKeys:description, NSLocalizedDescriptionKey,
-                                                   description, NSDebugDescriptionErrorKey, nil];
+    NSDictionary *info = [NSDictionary dictionaryWithObject:description
+                                                     forKey:NSLocalizedDescriptionKey];
     *error = [NSError errorWithDomain:NSCocoaErrorDomain
                                  code:NSPropertyListReadCorruptError
                              userInfo:info];

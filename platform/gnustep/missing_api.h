@@ -15,10 +15,6 @@
 
 // MARK: Foundation
 
-typedef NSString *NSErrorUserInfoKey;
-
-extern NSErrorUserInfoKey const NSDebugDescriptionErrorKey;
-
 enum : NSInteger {
   NSPropertyListReadCorruptError = 3840,
 };

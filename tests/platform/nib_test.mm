@@ -24,12 +24,6 @@ TEST(Nib, GivesItsTopLevelObjectsAndConnectsTheOwner) {
   EXPECT_FALSE([owner->panel isVisible]);
 }
 
-TEST(Nib, LoadsWithoutHandingOutItsObjects) {
-  [NSApplication sharedApplication];
-  PanelOwner *owner = [[[PanelOwner alloc] init] autorelease];
-  EXPECT_TRUE([[NSBundle mainBundle] loadNibNamed:@"Panel" owner:owner topLevelObjects:nil]);
-}
-
 TEST(Nib, MayBeMissing) {
   [NSApplication sharedApplication];
   NSArray *objects = nil;
