@@ -1,7 +1,8 @@
 """Checks that the links and the file names in the Markdown documents exist.
 
-A link is relative to its document and may name one of its headings. A name in backquotes that begins with a folder of the tree is
-relative to the root, even when arguments follow it; a pattern or a name without its suffix is fine.
+A link is relative to its document and may name a heading. A name in backquotes that begins with a
+folder of the tree is relative to the root, even when arguments follow it; a pattern or a name without
+its suffix is fine.
 """
 
 import re
@@ -27,9 +28,10 @@ def exists(root: Path, name: str) -> bool:
 
 
 def has_heading(document: Path, anchor: str) -> bool:
-    """Whether a heading has that anchor: its words in lower case, without punctuation, joined by hyphens."""
+    """Whether a heading has that anchor: its words in lower case, joined by hyphens."""
     headings = HEADING.findall(document.read_text(encoding="utf-8"))
-    return anchor in [re.sub(r"[^\w -]", "", heading).lower().replace(" ", "-") for heading in headings]
+    words = (re.sub(r"[^\w -]", "", heading).lower() for heading in headings)
+    return anchor in [text.replace(" ", "-") for text in words]
 
 
 def check(root: Path) -> list[str]:

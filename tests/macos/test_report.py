@@ -102,7 +102,8 @@ def test_the_report_needs_a_mac(tools: AppleTools) -> None:
     ("", "gtest/gtest.h", "GoogleTest"),
     ("", "nlohmann/json.hpp", "nlohmann-json"),
 ])
-def test_bootstrap_names_what_is_missing(tools: AppleTools, fault: str, missing: str, named: str) -> None:
+def test_bootstrap_names_what_is_missing(
+        tools: AppleTools, fault: str, missing: str, named: str) -> None:
     for header in {"gtest/gtest.h", "nlohmann/json.hpp"} - {missing}:
         file = tools.folder / "include" / header
         file.parent.mkdir(parents=True)

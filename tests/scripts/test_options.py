@@ -48,7 +48,8 @@ class Tree:
 
     def __init__(self, folder: Path):
         self.folder, self.output = folder, ""
-        for name in (*SCRIPTS, *tracked("script", "tools", "fuzz", "resources", "platform/macos/toolchain")):
+        used = tracked("script", "tools", "fuzz", "resources", "platform/macos/toolchain")
+        for name in (*SCRIPTS, *used):
             (folder / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy2(REPOSITORY / name, folder / name)
         (folder / "build").mkdir()
@@ -155,7 +156,9 @@ def test_coverage_runs_the_tests_and_fails_below_95_percent(
     assert f"| `app/` | 100 | {100 - missed} | {100 - missed}.0 % |" in tree.output
 
 
-@pytest.mark.parametrize(("log", "tried", "status"), [("12 faults tried\n\n3 faults tried", 15, 0), ("", 0, 1)])
+@pytest.mark.parametrize(
+    ("log", "tried", "status"), [("12 faults tried\n\n3 faults tried", 15, 0), ("", 0, 1)]
+)
 def test_the_numbers_of_faults_are_added_up_and_none_at_all_is_a_failure(
     tree: Tree, log: str, tried: int, status: int
 ) -> None:
@@ -187,8 +190,8 @@ def test_npm_packages_are_installed_once(tree: Tree) -> None:
 
 def test_mutations_are_listed(tree: Tree) -> None:
     tree.replace("script/bootstrap")
-    tree.run("script/mutate", "--list", "--only", "^rm")
-    assert tree.output == "".join(f"rm {how}  (agent/settings_reset.cpp)\n" for how in ("with one space", "forced"))
+    tree.run("script/mutate", "--list", "--only", "^rm f")
+    assert tree.output == "rm forced  (agent/settings_reset.cpp)\n"
 
 
 def test_an_unknown_check_fails(tree: Tree) -> None:
@@ -231,9 +234,7 @@ def test_the_theme_that_is_drawn_replaces_the_old_one(tree: Tree) -> None:
     tree.replace("bin/optipng")
     (call,) = tree.run("script/theme")
     assert call.endswith("/Resources/ThemeImages/new.png")
-    assert [str(file.relative_to(theme / "Resources")) for file in (theme / "Resources").rglob("*")] == [
-        "ThemeImages", "ThemeImages/new.png",
-    ]
+    assert [file.name for file in (theme / "Resources").rglob("*")] == ["ThemeImages", "new.png"]
 
 
 def test_pictures_that_have_changed_replace_the_old_ones_and_others_go(tree: Tree) -> None:

@@ -9,8 +9,8 @@ from sample_tree import write_tree
 
 TEXT = """
 # A part, and more
-[readme](../README.md#part), [here](#a-part-and-more), [web](https://example.org/none), `app/main.mm`, `app/`,
-`app/Window*.mm`, `app/Window+Apply`, `script/build Zentavo`, `and/or`, `build/apps/x`
+[readme](../README.md#part), [here](#a-part-and-more), [web](https://example.org/none),
+`app/main.mm`, `app/`, `app/Window*.mm`, `app/Window+Apply`, `script/build Zentavo`, `and/or`, `build/apps/x`
 """
 
 

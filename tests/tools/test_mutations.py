@@ -52,7 +52,8 @@ def test_the_original_text_occurs_once_and_is_changed(mutation: mutate.Mutation)
         "unit: caught by unit", "login: SURVIVED (unexpected)", "unread: SURVIVED no test reads it",
         "read: caught by window (unexpected)", "broken: caught by the build",
         "5 mutations, 2 of which may survive, 2 unexpected"]),
-    (["--only", "login"], 0, ["login: caught by e2e.login", "1 mutations, 0 of which may survive, 0 unexpected"]),
+    (["--only", "login"], 0, [
+        "login: caught by e2e.login", "1 mutations, 0 of which may survive, 0 unexpected"]),
     (["--only", "none"], 1, ["0 mutations, 0 of which may survive, 0 unexpected"]),
 ])
 def test_mutations_are_caught_or_survive(
@@ -61,8 +62,9 @@ def test_mutations_are_caught_or_survive(
     tree = tmp_path / "tree"
     write_tree(tree, SOURCES)
     subprocess.run(["git", "init", "--quiet", tree], check=True)
-    for name, value in (("ROOT", tree), ("TABLE", tree / "table.toml"), ("WORK", tmp_path / "work")):
-        monkeypatch.setattr(mutate, name, value)
+    monkeypatch.setattr(mutate, "ROOT", tree)
+    monkeypatch.setattr(mutate, "TABLE", tree / "table.toml")
+    monkeypatch.setattr(mutate, "WORK", tmp_path / "work")
     monkeypatch.setattr(sys, "argv", ["script/mutate", *options])
     assert mutate.main() == status
     lines = capsys.readouterr().out.splitlines()

@@ -159,7 +159,8 @@ def declarations(rows: Sequence[Row]) -> list[str]:
 def header(imports: Sequence[str], rows: Sequence[Row], nullability: bool) -> str:
     """The text of a header with these rows, which state nullability or not."""
     classes = [r.name for r in rows if r.kind == "interface" and not r.extends]
-    lines = ["#pragma once", *(f"#import <{name}>" for name in imports), *(f"@class {c};" for c in classes)]
+    lines = ["#pragma once", *(f"#import <{name}>" for name in imports)]
+    lines += [f"@class {name};" for name in classes]
     if nullability:
         lines.append("#pragma clang assume_nonnull begin")
     lines += declarations(rows)

@@ -86,7 +86,8 @@ class Slice:
 
     @cached_property
     def sent(self) -> set[str]:
-        """Every selector that the file sends or otherwise names. The segment with the names begins the file."""
+        """Every selector that the file sends or otherwise names."""
+        # The names are in the segment with which the file begins.
         text = tool("objdump", "--macho", "--section=__DATA,__objc_selrefs", self.path)
         starts = [int(address, 16) - TEXT for address in re.findall(r"  0x(\w+)", text)]
         return {self.data[start:self.data.index(b"\0", start)].decode() for start in starts}
