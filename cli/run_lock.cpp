@@ -24,11 +24,15 @@ std::error_code lastError() { return {errno, std::generic_category()}; }
 /// The folder, when it is the caller's own and nobody else may write to it; else -1 with errno.
 int openFolder(const std::string &folder) {
   const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor < 0) return -1;
   struct stat info;
-  if (descriptor < 0 || ::fstat(descriptor, &info) != 0) return descriptor;
-  if (info.st_uid == ::geteuid() && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0) return descriptor;
+  const bool isKnown = ::fstat(descriptor, &info) == 0;
+  if (isKnown && info.st_uid == ::geteuid() && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0) {
+    return descriptor;
+  }
+  const int error = isKnown ? EPERM : errno;
   ::close(descriptor);
-  errno = EPERM;
+  errno = error;
   return -1;
 }
 
