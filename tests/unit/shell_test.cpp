@@ -76,7 +76,8 @@ TEST(LaunchOnlyMode, DoesNotWaitAndLeavesNoChildProcess) {
   const ScratchFolder folder;
   for (const char *fifo : {"in", "out"}) ASSERT_EQ(::mkfifo(folder.file(fifo).c_str(), 0600), 0);
   const std::string command = "cat < '" + folder.file("in") + "' > '" + folder.file("out") + "'";
-  std::ignore = runShellCommand(agent::kBash, command, ShellMode::LaunchOnly);
+  ASSERT_EQ(runShellCommand(agent::kBash, command, ShellMode::LaunchOnly).outcome,
+            ShellOutcome::Done);
   EXPECT_TRUE(doubles::hasNoChild());
   folder.write("in", "passed on");
   EXPECT_EQ(ScratchFolder::read(folder.file("out")), "passed on");
