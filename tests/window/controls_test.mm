@@ -71,8 +71,9 @@ TEST_F(Controls, AreCheckBoxesOnlyWhereSomethingIsOnOrOff) {
                                        {"TestButton", false},
                                        {"Apply_button", false},
                                        {"Quit_button", false}}) {
-    NSButtonCell *cell = [outlet<NSButton>(controller, name) cell];
-    EXPECT_EQ([cell showsStateBy] != NSNoCellMask, expected) << name;
+    NSButton *button = outlet<NSButton>(controller, name);
+    EXPECT_EQ([[button cell] showsStateBy] != NSNoCellMask, expected) << name;
+    EXPECT_EQ([button image] != nil, expected) << name << ": the box";
   }
 }
 
