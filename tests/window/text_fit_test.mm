@@ -23,7 +23,7 @@ static_assert(std::string_view(kLongAddress).size() == 39);
 
 /// The ASCII text made longer by 40 % of itself.
 std::string longer(const std::string &text) {
-  return text + text.substr(0, static_cast<std::size_t>(std::ceil(0.4 * text.size())));
+  return text + text.substr(0, (2 * text.size() + 4) / 5);
 }
 
 class Fit : public WindowTest {
