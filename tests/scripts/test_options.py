@@ -102,6 +102,17 @@ def test_an_unknown_option_is_refused_with_the_usage(script: str) -> None:
     assert result.stderr.startswith(f"usage: {script}")
 
 
+@pytest.mark.parametrize("command", [
+    "script/bench 1", "script/bench 5 6", "script/check-macos --self-test x", "script/fuzz 0",
+    "script/fuzz 5 6", "script/fleet-bench 0", "script/fleet-bench 3 5x", "script/fleet-bench 3 5 0",
+])
+def test_wrong_numbers_and_too_many_arguments_are_refused(command: str) -> None:
+    script, *arguments = command.split()
+    result = call(script, *arguments)
+    assert (result.returncode, result.stdout) == (2, "")
+    assert result.stderr.startswith(f"usage: {script}")
+
+
 CI_STEPS = "script/lint script/test script/check-macos script/fuzz script/coverage script/faults"
 # Script and arguments, what is replaced for it, and calls that it makes, in this order.
 # tests/macos runs script/check-macos --self-test, script/package and script/report-mac.
