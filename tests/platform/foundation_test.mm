@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <string>
+#include "doubles/environment_variable.h"
 
 namespace {
+
+using doubles::EnvironmentVariable;
 
 TEST(FileManager, GivesLibraryFoldersAsFileURLs) {
   NSArray *urls = [[NSFileManager defaultManager] URLsForDirectory:NSLibraryDirectory
@@ -54,16 +55,16 @@ TEST(Locale, PrefersTheLanguagesOfTheEnvironment) {
       {"::fr:", "", "", "", "fr en"},
   };
   for (const Environment &row : rows) {
-    setenv("LANGUAGE", row.language, 1);
-    setenv("LC_ALL", row.all, 1);
-    setenv("LC_MESSAGES", row.messages, 1);
-    setenv("LANG", row.lang, 1);
+    const EnvironmentVariable language("LANGUAGE", row.language);
+    const EnvironmentVariable all("LC_ALL", row.all);
+    const EnvironmentVariable messages("LC_MESSAGES", row.messages);
+    const EnvironmentVariable lang("LANG", row.lang);
     EXPECT_EQ(preferredLanguages(), row.preferred);
   }
 }
 
 TEST(Locale, PrefersTheLanguagesInTheUsersOrder) {
-  setenv("LANGUAGE", "fr", 1);
+  const EnvironmentVariable language("LANGUAGE", "fr");
   NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
   NSDictionary *before = [defaults volatileDomainForName:NSArgumentDomain];
   NSArray *order = [NSArray arrayWithObjects:@"Spanish", @"de-CH", @"", nil];

@@ -4,9 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <string>
+#include "doubles/scratch_folder.h"
 
 namespace {
 
@@ -16,47 +14,7 @@ const std::string kDoctype = "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//
 const std::string kBody =
     "<plist version=\"1.0\">\n<dict>\n<key>language</key>\n<string>fr</string>\n"
     "<key>port</key>\n<integer>4000</integer>\n<key>profile</key>\n<true/>\n"
-    "<key>server</key>\n<string>b\xC3\xBC"
-    "cher.example</string>\n</dict>\n</plist>\n";
-
-/// A temporary folder for each test, removed afterwards.
-class PropertyListFile : public testing::Test {
- protected:
-  PropertyListFile() { EXPECT_NE(mkdtemp(folder_), nullptr); }
-  ~PropertyListFile() override {
-    chmod(path().c_str(), 0700);
-    unlink(path().c_str());
-    rmdir(path().c_str());
-    rmdir(folder_);
-  }
-
-  std::string path() const { return std::string(folder_) + "/server.plist"; }
-
-  NSDictionary *read() const {
-    return [[[NSDictionary alloc]
-        initWithContentsOfFile:[NSString stringWithUTF8String:path().c_str()]] autorelease];
-  }
-
-  NSDictionary *read(const std::string &contents) const {
-    std::ofstream(path(), std::ios::binary) << contents;
-    return read();
-  }
-
-  void expectValues(NSDictionary *list) const {
-    ASSERT_TRUE(list != nil);
-    EXPECT_TRUE([[list objectForKey:@"language"] isEqual:@"fr"]);
-    EXPECT_STREQ([[list objectForKey:@"server"] UTF8String], "b\xC3\xBC"
-                                                             "cher.example");
-    EXPECT_EQ([[list objectForKey:@"port"] intValue], 4000);
-    EXPECT_NE(std::string_view("ilqsILQS").find([[list objectForKey:@"port"] objCType]),
-              std::string_view::npos);
-    EXPECT_STREQ([[list objectForKey:@"profile"] objCType],
-                 [[NSNumber numberWithBool:YES] objCType]);
-  }
-
- private:
-  char folder_[32] = "/tmp/property-list.XXXXXX";
-};
+    "<key>server</key>\n<string>bücher.example</string>\n</dict>\n</plist>\n";
 
 std::string binaryPropertyList(id propertyList) {
   NSData *data = [NSPropertyListSerialization dataWithPropertyList:propertyList
@@ -66,14 +24,36 @@ std::string binaryPropertyList(id propertyList) {
   return std::string(static_cast<const char *>([data bytes]), [data length]);
 }
 
-NSDictionary *sample() {
-  return
-      [NSDictionary dictionaryWithObjectsAndKeys:@"fr", @"language", [NSNumber numberWithInt:4000],
-                                                 @"port", [NSNumber numberWithBool:YES], @"profile",
-                                                 [NSString stringWithUTF8String:"b\xC3\xBC"
-                                                                                "cher.example"],
-                                                 @"server", nil];
-}
+class PropertyListFile : public testing::Test {
+ protected:
+  NSString *file() const { return [NSString stringWithUTF8String:path_.c_str()]; }
+
+  NSDictionary *read() const {
+    return [[[NSDictionary alloc] initWithContentsOfFile:file()] autorelease];
+  }
+
+  NSDictionary *read(const std::string &contents) const {
+    folder_.write("server.plist", contents);
+    return read();
+  }
+
+  void expectValues(NSDictionary *list) const {
+    ASSERT_TRUE(list != nil);
+    EXPECT_TRUE([[list objectForKey:@"language"] isEqual:@"fr"]);
+    EXPECT_STREQ([[list objectForKey:@"server"] UTF8String], "bücher.example");
+    EXPECT_EQ([[list objectForKey:@"port"] intValue], 4000);
+    EXPECT_NE(std::string_view("ilqsILQS").find([[list objectForKey:@"port"] objCType]),
+              std::string_view::npos);
+    EXPECT_STREQ([[list objectForKey:@"profile"] objCType],
+                 [[NSNumber numberWithBool:YES] objCType]);
+  }
+
+  /// The same values in the binary form.
+  std::string binaryBody() const { return binaryPropertyList(read(kBody)); }
+
+  doubles::ScratchFolder folder_;
+  std::string path_ = folder_.file("server.plist");
+};
 
 /// A binary list of the given objects, of which the first is the root.
 std::string binary(const std::vector<std::string> &objects, char referenceSize = 1) {
@@ -107,7 +87,7 @@ std::string repeated(const std::string &text, int count) {
 TEST_F(PropertyListFile, IsReadInEveryFormOfTheSystem) {
   for (const std::string &contents :
        {kHead + kDoctype + kBody, kHead + kBody, kBody, kDoctype + kBody, "\n " + kBody,
-        "\xEF\xBB\xBF" + kHead + kBody, "<!-- comment -->" + kBody, binaryPropertyList(sample())}) {
+        "\xEF\xBB\xBF" + kHead + kBody, "<!-- comment -->" + kBody, binaryBody()}) {
     SCOPED_TRACE(contents.substr(0, 40));
     expectValues(read(contents));
   }
@@ -133,27 +113,21 @@ TEST_F(PropertyListFile, DecodesCompleteCharacterReferencesOnly) {
 }
 
 TEST_F(PropertyListFile, FillsMutableDictionariesToo) {
-  std::ofstream(path(), std::ios::binary) << kHead + kBody;
-  NSString *file = [NSString stringWithUTF8String:path().c_str()];
-  NSMutableDictionary *list = [NSMutableDictionary dictionaryWithContentsOfFile:file];
+  read(kBody);
+  NSMutableDictionary *list = [NSMutableDictionary dictionaryWithContentsOfFile:file()];
   [list setObject:@"x" forKey:@"server"];
   EXPECT_EQ([list count], 4u);
 }
 
-TEST_F(PropertyListFile, MayBeMissing) {
-  EXPECT_TRUE(read() == nil);
+TEST_F(PropertyListFile, IsNotReadWhereThereIsNoRegularFile) {
+  EXPECT_TRUE(read() == nil) << "missing";
   EXPECT_TRUE([[[NSDictionary alloc] initWithContentsOfFile:nil] autorelease] == nil);
   EXPECT_TRUE([NSDictionary dictionaryWithContentsOfFile:@""] == nil);
-}
-
-TEST_F(PropertyListFile, MayBeAFolder) {
-  ASSERT_EQ(mkdir(path().c_str(), 0700), 0);
-  EXPECT_TRUE(read() == nil);
-}
-
-TEST_F(PropertyListFile, MayBeAPipeThatNobodyWrites) {
-  ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
-  EXPECT_TRUE(read() == nil);
+  ASSERT_EQ(mkdir(path_.c_str(), 0700), 0);
+  EXPECT_TRUE(read() == nil) << "a folder";
+  ASSERT_EQ(rmdir(path_.c_str()), 0);
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_TRUE(read() == nil) << "a pipe that nobody writes";
 }
 
 /// Root may read every file, so this reads as an ordinary user.
@@ -164,15 +138,17 @@ TEST_F(PropertyListFile, MayBeAPipeThatNobodyWrites) {
 }
 
 TEST_F(PropertyListFile, MayBeUnreadable) {
-  std::ofstream(path(), std::ios::binary) << kHead + kBody;
-  const std::string folder = path().substr(0, path().rfind('/'));
-  ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
-  NSString *file = [NSString stringWithUTF8String:path().c_str()];
+  char path[] = "/tmp/property-list.XXXXXX";  // where every user gets
+  const int descriptor = mkstemp(path);
+  ASSERT_GE(write(descriptor, kBody.data(), kBody.size()), 0);
+  NSString *file = [NSString stringWithUTF8String:path];
   GTEST_FLAG_SET(death_test_style, "fast");
-  ASSERT_EQ(chmod(path().c_str(), 0644), 0);
+  ASSERT_EQ(fchmod(descriptor, 0644), 0);
   EXPECT_EXIT(exitWhetherReadable(file), testing::ExitedWithCode(1), "");
-  ASSERT_EQ(chmod(path().c_str(), 0), 0);
+  ASSERT_EQ(fchmod(descriptor, 0), 0);
   EXPECT_EXIT(exitWhetherReadable(file), testing::ExitedWithCode(0), "");
+  close(descriptor);
+  unlink(path);
 }
 
 TEST_F(PropertyListFile, IsNotADictionaryWhenItHoldsSomethingElse) {
@@ -197,8 +173,7 @@ TEST_F(PropertyListFile, IsNotADictionaryWhenItHoldsSomethingElse) {
       "bplist00" + std::string(32, '\0'),
       "bplist00" + std::string(32, '\xFF'),
       "\x89PNG\r\n\x1A\n" + std::string(100, '\7'),
-      kHead + "<plist version=\"1.0\"><dict><key>server</key><string>\xFF\xFE</string></dict>"
-              "</plist>",
+      listWithServer("\xFF\xFE"),
       "{ server = \"\xFF\xFE\"; }",
   };
   testing::internal::CaptureStderr();
@@ -210,7 +185,7 @@ TEST_F(PropertyListFile, IsNotADictionaryWhenItHoldsSomethingElse) {
 
 TEST_F(PropertyListFile, MayBeCutAnywhere) {
   testing::internal::CaptureStderr();
-  for (const std::string &whole : {kHead + kDoctype + kBody, binaryPropertyList(sample())}) {
+  for (const std::string &whole : {kHead + kDoctype + kBody, binaryBody()}) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
       NSDictionary *list = read(whole.substr(0, length));
       // Nothing after the closing tag of the dictionary is needed.
@@ -221,7 +196,7 @@ TEST_F(PropertyListFile, MayBeCutAnywhere) {
 }
 
 TEST_F(PropertyListFile, MayHaveAnyByteChanged) {
-  for (const std::string &whole : {kHead + kBody, binaryPropertyList(sample())}) {
+  for (const std::string &whole : {kHead + kBody, binaryBody()}) {
     for (std::size_t i = 0; i < whole.size(); ++i) {
       for (const char flip : {'\x01', '\x10', '\x80', '\xFF'}) {
         std::string changed = whole;
@@ -236,11 +211,8 @@ TEST_F(PropertyListFile, MayHaveAnyByteChanged) {
 }
 
 TEST_F(PropertyListFile, MayBeHuge) {
-  const std::string text(2 << 20, 'x');
-  EXPECT_TRUE(read(kHead + "<plist version=\"1.0\"><dict><key>a</key><string>" + text +
-                   "</string></dict></plist>") == nil);
-  std::ofstream(path(), std::ios::binary) << kHead;
-  ASSERT_EQ(truncate(path().c_str(), off_t{1} << 40), 0);
+  EXPECT_TRUE(read(listWithServer(std::string(2 << 20, 'x'))) == nil);
+  ASSERT_EQ(truncate(path_.c_str(), off_t{1} << 40), 0);
   EXPECT_TRUE(read() == nil);
 }
 

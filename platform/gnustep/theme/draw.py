@@ -284,15 +284,11 @@ def nine_patch(tile: Tile) -> str:
     return drawing + "".join(lines)
 
 
-def channel(colour: str, i: int) -> float:
-    return round(int(colour[1 + 2 * i : 3 + 2 * i], 16) / 255, 4)
-
-
 def write_colours(file: Path) -> None:
     """A colour list in its text form: a count, then kind, red, green, blue, opacity and name."""
     lines = [str(len(COLOURS))]
     for name, colour in COLOURS.items():
-        red, green, blue = (channel(colour, i) for i in range(3))
+        red, green, blue = (round(byte / 255, 4) for byte in bytes.fromhex(colour[1:]))
         lines.append(f"0 {red} {green} {blue} 1 {name}")
     file.write_text("\n".join(lines) + "\n")
 
