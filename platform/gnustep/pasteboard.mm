@@ -3,8 +3,6 @@
 
 #import <AppKit/AppKit.h>
 
-#include "exchange.h"
-
 @interface ProgramPasteboard : NSPasteboard {
   NSMutableDictionary *contents;  ///< data by type
   NSArray *declared;
@@ -65,25 +63,6 @@
 
 + (NSPasteboard *)generalPasteboard {
   return [self pasteboardWithName:NSGeneralPboard];
-}
-
-@end
-
-// With nothing selected, copying and cutting do nothing on macOS. GNUstep empties the pasteboard,
-// and cuts the next character.
-@implementation NSTextView (NothingSelected)
-
-+ (void)load {
-  platform::exchange(self, @selector(copy:));
-  platform::exchange(self, @selector(cut:));
-}
-
-- (void)platform_copy:(id)sender {
-  if ([self selectedRange].length > 0) [self platform_copy:sender];
-}
-
-- (void)platform_cut:(id)sender {
-  if ([self selectedRange].length > 0) [self platform_cut:sender];
 }
 
 @end

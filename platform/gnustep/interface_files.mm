@@ -1,6 +1,11 @@
-// Fonts in interface files: gui 0.29 decodes <font metaFont="systemBold"/> as the plain system
-// font, and one without a size to a random size, so that about one label in four is invisible: it
-// sends -floatValue to nil in code built by GCC, where the result of such a message is undefined.
+// How gui 0.29 decodes interface files.
+//
+// It takes a cell for editable unless the file says otherwise, so that a click on a label lets the
+// user change it. Without the attribute macOS's cells are not editable.
+//
+// It takes the bold system font for the plain one, and gives a system font without a size a random
+// one, so that about one label in four is invisible: it sends -floatValue to nil in code built by
+// GCC, where the result of such a message is undefined.
 
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSXibElement.h>
@@ -9,12 +14,20 @@
 #include "exchange.h"
 
 @interface GSXib5KeyedUnarchiver : GSXibKeyedUnarchiver
+- (id)decodeCellFlags1ForElement:(GSXibElement *)element;
 @end
 
-@implementation GSXib5KeyedUnarchiver (XibFonts)
+@implementation GSXib5KeyedUnarchiver (InterfaceFiles)
 
-- (BOOL)platform_decodesBoldFont {
-  return [[currentElement attributeForKey:@"metaFont"] isEqual:@"systemBold"];
++ (void)load {
+  platform::exchange(self, @selector(decodeCellFlags1ForElement:));
+}
+
+- (id)platform_decodeCellFlags1ForElement:(GSXibElement *)element {
+  if ([element attributeForKey:@"editable"] == nil) {
+    [element setAttribute:@"NO" forKey:@"editable"];
+  }
+  return [self platform_decodeCellFlags1ForElement:element];
 }
 
 - (id)decodeFontSizeForElement:(GSXibElement *)element {
@@ -27,9 +40,13 @@
   return [NSNumber numberWithDouble:points];
 }
 
+- (BOOL)platform_decodesBoldFont {
+  return [[currentElement attributeForKey:@"metaFont"] isEqual:@"systemBold"];
+}
+
 @end
 
-@implementation NSFont (XibFonts)
+@implementation NSFont (InterfaceFiles)
 
 + (void)load {
   platform::exchange(self, @selector(initWithCoder:));
