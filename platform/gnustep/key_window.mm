@@ -27,7 +27,7 @@ NSWindow *windowWithKeyboard() {
   get([GSCurrentServer() serverDevice], &focused, &revertTo);
   for (NSWindow *window in [NSApp windows]) {
     if (![window isVisible] || ![window canBecomeKeyWindow]) continue;
-    void *device = [GSServerForWindow(window) windowDevice:[window windowNumber]];
+    void *device = [GSServerForWindow(window) windowDevice:static_cast<int>([window windowNumber])];
     if (reinterpret_cast<unsigned long>(device) == focused) return window;
   }
   return nil;

@@ -20,7 +20,8 @@ template <typename Entry>
 const Entry *find(std::string_view name, Entry *(*function)(const char *),
                   char *Entry::*entryName) {
   if (name.empty() || name.find('\0') != std::string_view::npos) return nullptr;
-  const Entry *entry = function(std::string(name).c_str());
+  const std::string key(name);
+  const Entry *entry = function(key.c_str());
   return entry != nullptr && name == entry->*entryName ? entry : nullptr;
 }
 
