@@ -7,10 +7,6 @@
 
 namespace windowtest {
 
-/// How much of each string's width has to stay free, as a part of that width: the platform's own
-/// font may be wider than the one that is measured here.
-constexpr double kSpare = 0.15;
-
 /// The outlet of `owner` that is connected to the control or to its cell; else its class.
 std::string nameFor(NSView *control, id owner);
 

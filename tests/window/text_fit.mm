@@ -11,6 +11,9 @@
 namespace windowtest {
 namespace {
 
+// How much of each string's width has to stay free, as a part of that width: the platform's own
+// font may be wider than the one that is measured here.
+constexpr double kSpare = 0.15;
 constexpr CGFloat kMargin = 20;
 constexpr CGFloat kGap = 6;
 // Labels keep their text that far from their left and right edge.

@@ -28,7 +28,6 @@ class WindowTest : public testing::Test {
 
   /// What server.plist holds from now on.
   void store(const std::string &language, const std::string &server, const std::string &port);
-  void storeNothing();
 
   /// Replaces translate.json in the test program's own bundle until the end of the test.
   static void setCatalogue(const std::string &json);

@@ -56,8 +56,6 @@ void WindowTest::store(const std::string &language, const std::string &server,
                 agent::serverPlistText({.server = server, .port = port, .lang = language}));
 }
 
-void WindowTest::storeNothing() { std::filesystem::remove(plist_); }
-
 void WindowTest::setCatalogue(const std::string &json) {
   removeCatalogue();
   std::ofstream(cataloguePath(), std::ios::binary) << json;
