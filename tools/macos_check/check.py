@@ -5,7 +5,7 @@ import plistlib
 import re
 import sys
 import tempfile
-from collections.abc import Callable, Iterator, Sequence
+from collections.abc import Iterator, Sequence
 from pathlib import Path
 
 import api
@@ -174,43 +174,37 @@ def print_comparison(rows: Sequence[api.Row]) -> None:
     methods = [r for r in rows if r.kind == "method" and r.dylib != "libobjc"]
     confirmed = sum(r.compared in ("both", "both?") for r in methods)
     once = sum(r.compared == "one" for r in methods)
-    print(f"methods listed: {len(methods)}; "
+    print(f"\nmethods listed: {len(methods)}; "
           f"compared with two open bindings: {confirmed}, with one: {once}")
 
 
-Report = Callable[[str, list[str]], None]
-
-
-def examine(build: CrossBuild, report: Report) -> None:
-    """Builds and runs every check; each answer goes to report(name, findings)."""
-    report("interface files have Xcode's form and fit their classes",
+def examine(build: CrossBuild) -> Iterator[tuple[str, list[str]]]:
+    """Builds, runs every check, and yields the name of each with its findings."""
+    yield ("interface files have Xcode's form and fit their classes",
            interface_files.check(build.source))
+    linked = "every source compiles and links against the listed API"
     try:
         build.configure()
         build.compile(of_tests=False)
         build.link()
     except BuildFailed as failure:
-        report("every source compiles and links against the listed API", failure.errors())
+        yield linked, failure.errors()
         return
-    report("every source compiles and links against the listed API", [])
+    yield linked, []
     try:
-        count = build.compile(of_tests=True)
-        report(f"every source of the tests compiles ({count})", [])
+        yield f"every source of the tests compiles ({build.compile(of_tests=True)})", []
     except BuildFailed as failure:
-        report("every source of the tests compiles", failure.errors())
+        yield "every source of the tests compiles", failure.errors()
     files = [bundle_files.BundleFiles(p, build.source) for p in sorted(build.apps.glob("*.app"))]
     for name, rule in bundle_files.RULES.items():
-        report(name, [f"{bundle.title}: {finding}" for bundle in files for finding in rule(bundle)])
+        yield name, [f"{bundle.title}: {finding}" for bundle in files for finding in rule(bundle)]
     if not all(bundle.property_list() for bundle in files):
         return
     with tempfile.TemporaryDirectory() as scratch:
-        bundles = [Bundle(p, Path(scratch)) for p in sorted(build.apps.glob("*.app"))]
-        checks = Checks(build, bundles)
+        checks = Checks(build, [Bundle(bundle.path, Path(scratch)) for bundle in files])
         for name, check in vars(Checks).items():
             if name.startswith("check_"):
-                report(check.__doc__, list(check(checks)))
-        print()
-        print_comparison(build.rows)
+                yield check.__doc__, list(check(checks))
 
 
 def main() -> int:
@@ -221,17 +215,17 @@ def main() -> int:
     parser.add_argument("--test-api", type=Path, default=api.TEST_TABLE)
     arguments = parser.parse_args()
 
-    failed: list[str] = []
-
-    def report(name: str, findings: list[str]) -> None:
+    rows = api.read(arguments.api)
+    build = CrossBuild(arguments.source.resolve(), arguments.build.resolve(), rows,
+                       api.read(arguments.test_api))
+    found: list[str] = []
+    for name, findings in examine(build):
         print(f"{name:<76}{len(findings) or 'ok':>4}", flush=True)
-        failed.extend(findings)
-
-    examine(CrossBuild(arguments.source.resolve(), arguments.build.resolve(),
-                       api.read(arguments.api), api.read(arguments.test_api)), report)
-    for finding in failed:
+        found += findings
+    print_comparison(rows)
+    for finding in found:
         print(f"finding: {finding}", file=sys.stderr)
-    return 1 if failed else 0
+    return 1 if found else 0
 
 
 if __name__ == "__main__":
