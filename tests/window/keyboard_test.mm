@@ -121,10 +121,11 @@ class Accessibility : public testing::TestWithParam<const char *> {
 TEST_P(Accessibility, OnlyAControlWithoutAVisibleLabelHasADescription) {
   NSXMLDocument *file = document();
   ASSERT_TRUE(file != nil);
+  NSArray *controls = find(file, "//textField[textFieldCell/@editable='YES'] | //secureTextField"
+                                 " | //popUpButton | //imageView");
+  EXPECT_GE([controls count], 2U);
   Names descriptions;
-  for (NSXMLNode *control in find(file,
-                                  "//textField[textFieldCell/@editable='YES'] | //secureTextField"
-                                  " | //popUpButton | //imageView")) {
+  for (NSXMLNode *control in controls) {
     const bool hasLabel =
         [find(control, "connections/accessibilityConnection[@property='title']") count] > 0;
     NSArray *named = find(control, "accessibility");
