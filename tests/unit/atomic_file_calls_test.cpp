@@ -10,12 +10,19 @@
 #include "doubles/failing_calls.h"
 #include "doubles/scratch_folder.h"
 
-SETS_ERRNO(int, -1, mkstemp, (char *pattern), (pattern))
 SETS_ERRNO(ssize_t, -1, write, (int descriptor, const void *bytes, size_t size),
            (descriptor, bytes, size))
 SETS_ERRNO(int, -1, fchmod, (int descriptor, mode_t mode), (descriptor, mode))
 SETS_ERRNO(int, -1, fsync, (int descriptor), (descriptor))
 SETS_ERRNO(int, -1, rename, (const char *from, const char *to), (from, to))
+
+static std::string temporaryFile;
+
+extern "C" int __real_mkstemp(char *pattern);
+extern "C" int __wrap_mkstemp(char *pattern) {
+  temporaryFile = pattern;
+  return doubles::fails("mkstemp") ? -1 : __real_mkstemp(pattern);
+}
 
 namespace {
 
@@ -39,6 +46,7 @@ class AtomicFileCalls : public testing::Test {
 TEST_F(AtomicFileCalls, PutTheContentOnTheDiskBeforeTheRename) {
   EXPECT_FALSE(write("new"));
   EXPECT_EQ(failingCalls().made, (Calls{"mkstemp", "write", "fchmod", "fsync", "rename"}));
+  EXPECT_EQ(temporaryFile, path_ + ".XXXXXX") << "in the folder of the file";
 }
 
 TEST_F(AtomicFileCalls, LeaveTheOldFileAndNoTemporaryOneWhicheverFails) {
