@@ -91,6 +91,11 @@ def test_a_version_without_an_entry_in_the_changelog_is_found(tree: Path) -> Non
     assert "CHANGELOG.md has no entry for the version" in findings(tree)
 
 
+def test_a_file_without_a_newline_at_its_end_is_found(tree: Path) -> None:
+    (tree / "docs.md").write_text("one\ntwo", encoding="utf-8")
+    assert "docs.md\n  a file ends with a newline" in findings(tree)
+
+
 # In two parts, because this file is checked as well.
 WRONG = "reci" "eve"
 
