@@ -86,6 +86,11 @@ class BinaryWalk {
   int steps_ = 0;
 };
 
+std::string_view withoutLeading(std::string_view characters, std::string_view bytes) {
+  bytes.remove_prefix(std::min(bytes.find_first_not_of(characters), bytes.size()));
+  return bytes;
+}
+
 /// Whether there are at most so many opening marks, and so no more levels than the parser survives.
 /// Counting marks needs no parser, which comments and strings could mislead.
 bool hasAtMost(std::ptrdiff_t limit, std::string_view marks, std::string_view bytes) {
@@ -124,16 +129,17 @@ std::optional<PropertyListForm> harmlessForm(std::string_view bytes) noexcept {
   }
   // NUL and 1 start GNUstep's own serialised forms, which can claim any amount of memory.
   if (bytes.find('\0') != std::string_view::npos || bytes.starts_with('\1')) return std::nullopt;
-  const std::size_t start = bytes.find_first_not_of(" \t\r\n");
-  if (start == std::string_view::npos) return std::nullopt;
-  bytes.remove_prefix(start);
+  bytes = withoutLeading(" \t\r\n", bytes);
+  if (bytes.empty()) return std::nullopt;
   for (const std::string_view tag : {"<?xml", "<!DOCTYPE", "<!--", "<plist"}) {
     if (!bytes.starts_with(tag)) continue;
     if (!isHarmlessXML(bytes)) return std::nullopt;
     return PropertyListForm::XML;
   }
-  // No dictionary in text form starts with '<', and some text that does is read beyond its end.
-  if (bytes.starts_with('<') || !isHarmlessText(bytes)) return std::nullopt;
+  // No dictionary in text form starts with '<', and some text that does is read beyond its end. The
+  // parser takes more characters for spaces than XML does, and XML after them for XML.
+  const bool startsLikeXML = withoutLeading("\b\t\n\v\f\r ", bytes).starts_with('<');
+  if (startsLikeXML || !isHarmlessText(bytes)) return std::nullopt;
   return PropertyListForm::Text;
 }
 

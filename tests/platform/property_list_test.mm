@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "doubles/scratch_folder.h"
+#include "property_list_guard.h"
 
 namespace {
 
@@ -181,6 +182,12 @@ TEST_F(PropertyListFile, IsNotADictionaryWhenItHoldsSomethingElse) {
     EXPECT_TRUE(read(contents) == nil) << contents.substr(0, 80);
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(PropertyListGuard, RefusesTextThatTheParserTakesForXML) {
+  for (const std::string spaces : {"", "\b", "\v", "\n\f", "\v "}) {
+    EXPECT_EQ(platform::harmlessForm(spaces + "<?ml><"), std::nullopt) << spaces.size();
+  }
 }
 
 TEST_F(PropertyListFile, MayBeCutAnywhere) {
