@@ -15,7 +15,8 @@ using Json = nlohmann::ordered_json;
 
 using Info = JsonData::Info;
 
-/// A key, and the field that its value belongs into.
+/// A key, and the field that its value belongs in. Written out again here, so that a field
+/// exchanged in the program's own table shows.
 template <class Record>
 using Fields = std::map<std::string, std::string Record::*>;
 
